@@ -1,0 +1,37 @@
+# What every target of the project is compiled with.
+
+option(TOF_BUILD_TESTS "Build the tests" ON)
+option(TOF_BUILD_BENCHMARKS "Build the benchmarks" OFF)
+set(TOF_SANITIZE "" CACHE STRING "Sanitizers for every target, e.g. address,undefined")
+option(TOF_COVERAGE "Instrument for line coverage" OFF)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}")
+
+add_library(tof_options INTERFACE)
+target_include_directories(tof_options INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(tof_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor
+  -Woverloaded-virtual -Wold-style-cast -Wcast-align -Wformat=2 -Wimplicit-fallthrough
+  -Wunused -Werror
+  # A fused multiply-add would make results depend on the machine: same seed, same bytes.
+  -ffp-contract=off)
+
+if(TOF_SANITIZE)
+  target_compile_options(tof_options INTERFACE
+    -fsanitize=${TOF_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(tof_options INTERFACE -fsanitize=${TOF_SANITIZE})
+endif()
+if(TOF_COVERAGE)
+  target_compile_options(tof_options INTERFACE --coverage -O0)
+  target_link_options(tof_options INTERFACE --coverage)
+endif()
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
