@@ -150,6 +150,12 @@ bool EqualsTrue(const Variant& value) {
   return ToDouble(value) == -1.0;
 }
 
+const BoundedArray<double>& AsDoubleArray(const Variant& value) {
+  const auto* array = value.As<Variant::DoubleArray>();
+  if (array == nullptr) Raise(RunTimeError::kTypeMismatch);
+  return *array;
+}
+
 BoundedArray<double> MassesFromCaller(const Variant& masses) {
   if (const auto* doubles = masses.As<Variant::DoubleArray>()) {
     return Rebased(*doubles, [](double mass) { return mass; });

@@ -38,6 +38,9 @@ bool EqualsNumber(const Variant& value, double number);
 // Whether a variant equals True: True itself, -1, or the text "True".
 bool EqualsTrue(const Variant& value);
 
+// The array of doubles that a variant holds; error 13 for anything else, Empty included.
+const BoundedArray<double>& AsDoubleArray(const Variant& value);
+
 // The one-dimensional mass array that a caller passed, any lower bound, as doubles indexed from 0.
 // Elements may be doubles, integers, booleans, numeric text or variants of these; anything else, or
 // no array, is error 13. More elements than a 16-bit counter can count (32,767) is error 6. An

@@ -1,0 +1,28 @@
+// Averaged flight times of the calibrant peaks.
+#pragma once
+
+#include <cstdint>
+
+#include "component/calibrator/aic_log.h"
+#include "component/calibrator/peak_records.h"
+
+namespace tof {
+
+// What a calibration knows of its calibrants.
+// Lives: with the object; what one call measured is read by the next.
+struct CalibrantData {
+  Variant expected_masses;  // doubles from 0; Empty until the driver stores them
+  PeakTable peaks;
+  MeasuredTimes measured_times;
+};
+
+// Averaged flight times (ns) of `varExpectedMasses`, one per mass from 0; Empty on any failure or
+// abort, with what was measured until then left in `data`. The traditional path takes one spectrum
+// that is not stored, then `nAvgSpectra` at the instrument's present settings; AIC hands over to
+// GetTimeSpannedCalibrantPeakTimes. A window of exactly -1 is replaced in the caller's variable.
+Variant GetAveragedTimesForCalibration(Instrument& instrument, HostServices& host, AicLog& aic_log,
+                                       CalibrantData& data, const Variant& varExpectedMasses,
+                                       std::int16_t nAvgSpectra, bool bEnableAbImmuneCalib,
+                                       double& dPeakFindWindow);
+
+}  // namespace tof

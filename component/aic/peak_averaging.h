@@ -1,0 +1,16 @@
+// Averaging the peak attributes of each calibrant, and the file that the tune report reads.
+#pragma once
+
+#include "component/calibrator/aic_log.h"
+#include "component/calibrator/peak_records.h"
+
+namespace tof {
+
+// Adds every measurement of each mass to its averaged attributes and divides by their number, which
+// is that of mass 0 for all masses; then replaces "\Logfiles\TuneReportCalibData.txt". Expects
+// averaged attributes of zero: they are not cleared here, so that a second call doubles the sums.
+// Never raises; a mass whose averaging is interrupted keeps its earlier averages.
+void AverageThePeakAttributes(Instrument& instrument, HostServices& host, AicLog& aic_log,
+                              const Variant& expected_masses, PeakTable& peaks);
+
+}  // namespace tof

@@ -1,0 +1,69 @@
+// The public object of the component.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "component/calibration/driver.h"
+#include "component/calibrator/instrument.h"
+
+namespace tof {
+
+// The arguments of a calibration that a caller may leave out.
+struct OptionalCalibrationArguments {
+  bool bOKtoFail = false;  // accepted and never read
+  bool bThisIsAManualCalibration = false;
+  double dTradWeighting = -1.0;       // -1: not given
+  double dPeakFindTimeWindow = -1.0;  // -1: from the settings; comes back as the value used
+};
+
+// Calibrates the mass axis of a time-of-flight mass spectrometer through the collaborators that a
+// factory creates. Members persist between calls: what one call measured is read by the next.
+//
+// One thread, the host's; a host must not call it again from a message handler while a call runs.
+// Factory, host services and event sink must outlive the object.
+class TofCalibrator {
+ public:
+  // Creates the collaborators in their fixed order and reads the settle time. A failure is raised
+  // as an AutomationError; there is no object then.
+  TofCalibrator(InstrumentFactory& factory, HostServices& host, StatusEvents& events);
+  ~TofCalibrator();
+  TofCalibrator(const TofCalibrator&) = delete;
+  TofCalibrator& operator=(const TofCalibrator&) = delete;
+
+  // Appends the data of the last abundance-immune calibration to its data-set file.
+  void WriteDataToSpotFireLog();
+
+  // A test hook: announces itself to the trace and returns.
+  void TestNewStuff();
+
+  // Averaged flight times (doubles in ns from 0, one per mass) of the calibrants, as the masses of
+  // the last calibration sized the store; Empty on any failure, which is reported by that alone.
+  // `varExpectedMasses`: one-dimensional array of m/z, any lower bound. `dPeakFindWindow`: per cent
+  // of the flight time; -1 is replaced by the settings' value, in the caller's variable.
+  Variant GetAveragedTimesForCalibration(const Variant& varExpectedMasses,
+                                         std::int16_t& nAvgSpectra, bool& bEnableAbImmuneCalib,
+                                         double& dPeakFindWindow);
+  Variant GetAveragedTimesForCalibration(const Variant& varExpectedMasses,
+                                         std::int16_t& nAvgSpectra, bool& bEnableAbImmuneCalib);
+
+  // Calibrates: see calibration/driver.h. The coefficients object now in force, or none.
+  std::shared_ptr<MassCalCoefficients> calibrateTOFMassAxis(std::int16_t& nAvgSpectra,
+                                                            const Variant& varExpectedMasses,
+                                                            Variant& varAveragedMeasuredTimes,
+                                                            bool& bSuppressAbImmuneCalib,
+                                                            OptionalCalibrationArguments& optional);
+  std::shared_ptr<MassCalCoefficients> calibrateTOFMassAxis(std::int16_t& nAvgSpectra,
+                                                            const Variant& varExpectedMasses,
+                                                            Variant& varAveragedMeasuredTimes,
+                                                            bool& bSuppressAbImmuneCalib);
+
+ private:
+  HostServices& host_;
+  StatusEvents& events_;
+  Instrument instrument_;
+  CalibrationState state_;
+  double m_SettlingTime_sec_ = 0.0;
+};
+
+}  // namespace tof
