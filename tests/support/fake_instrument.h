@@ -1,0 +1,77 @@
+// A small working instrument: every ion flies t = t0 + sqrt(m) / A. Arrange it by its fields; read
+// the journal for what was asked of it.
+#pragma once
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "component/calibrator/collaborators.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/fake_mass_time.h"
+#include "tests/support/journal.h"
+
+namespace tof::fakes {
+
+class FakeInstrument : public InstrumentFactory {
+ public:
+  FakeInstrument(Journal& journal, FakeHost& host);
+
+  // What the ions really do.
+  double true_a_per_ns = 0.00065;
+  double true_t0_ns = 300.0;
+  double abundance = 150000.0;
+  // Added to the flight time of spectrum n (from 0), ns; spectra beyond the end add nothing.
+  std::vector<double> spectrum_shift_ns;
+  // The masses of which a spectrum has peaks; also the instrument's own calibrant list.
+  std::vector<double> sample_masses = {118.0863, 322.0481, 622.029, 922.0098, 1221.9906, 1521.9715};
+
+  // What the instrument holds.
+  std::map<std::int32_t, Variant> setpoints;
+  std::map<std::string, double> settings;  // "Section/Key"
+  std::map<std::string, std::string> flags;
+  std::shared_ptr<FakeCoefficients> in_force;
+  std::shared_ptr<FakeCoefficients> defaults;  // none: no defaults
+  bool has_likely_a = false;
+  double likely_a_per_us = 0.0;
+  double likely_t0_us = 0.0;
+  std::vector<double> bad_fits;  // see FakeCoefficients
+  std::int16_t abort_requested = 0;
+  double scale_factor = 1.0;
+  bool avoid_aic = true;
+  double peak_find_width_from_parser = 0.0;  // not 0: ShouldAvoidAIC stores it
+  bool has_display = true;
+  bool display_live = true;
+  std::string flag_key = "AICDisabled";
+  double time_sec = 1234.5;
+  std::string mode_name = "MS";
+  bool mode_uses_rf_setpoints = true;
+  std::string configuration_name = "Standard";
+  std::string base_folder = "D:\\Data";
+  // Answers of the status reader, the last one for good.
+  std::deque<Variant> ready_states{Variant(std::int32_t{0})};
+  std::deque<Variant> run_states{Variant(std::int32_t{2})};
+  std::int32_t spectra_taken = 0;
+  std::int32_t aic_ends = 0;
+
+  double TrueTime(double mass) const;
+  std::shared_ptr<FakeCoefficients> NewCoefficients(double a_per_ns, double t0_ns);
+
+  std::shared_ptr<DataDictionary> CreateDataDictionary() override;
+  std::shared_ptr<AcqController> CreateAcqController() override;
+  std::shared_ptr<SpecParser> CreateSpecParser() override;
+  std::shared_ptr<CalibLogFiles> CreateCalibLogFiles() override;
+  std::shared_ptr<TuneFlags> CreateTuneFlags() override;
+  std::shared_ptr<CalibSettings> CreateCalibSettings() override;
+  std::shared_ptr<InstrumentPaths> GetInstrumentPaths() override;
+  std::shared_ptr<FirmwareLibrary> GetFirmwareLibrary() override;
+  std::shared_ptr<PeakList> CreatePeakList() override;
+  std::shared_ptr<MassCalCoefficients> CreateMassCalCoefficients() override;
+
+  Journal& journal;
+  FakeHost& host;
+};
+
+}  // namespace tof::fakes
