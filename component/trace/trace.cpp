@@ -41,7 +41,7 @@ void CreateTraceObject(HostServices& host, const std::string& module_name) {
   } catch (...) {
     module.on = false;
   }
-  module.call_stack.push_back(Variant(std::int32_t{0}));
+  module.call_stack.emplace_back(std::int32_t{0});
 }
 
 void TraceObj::TraceEntry(std::int32_t level, std::string_view name) {
