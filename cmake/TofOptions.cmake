@@ -4,6 +4,7 @@ option(TOF_BUILD_TESTS "Build the tests" ON)
 option(TOF_BUILD_BENCHMARKS "Build the benchmarks" OFF)
 set(TOF_SANITIZE "" CACHE STRING "Sanitizers for every target, e.g. address,undefined")
 option(TOF_COVERAGE "Instrument for line coverage" OFF)
+option(TOF_TEST_WHOLE_PROGRAMS "One ctest test for a test program, not for each of its tests" OFF)
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)

@@ -7,8 +7,10 @@ function(tof_library name)
 endfunction()
 
 # tof_test(name SOURCES a_test.cpp ... [LINK target ...])
-# One GoogleTest program; each of its tests is a ctest test of its own. Tests find the project's
-# files through TOF_SOURCE_DIR and the shared spectra, where there are any, through TOF_SHARED_DATA.
+# One GoogleTest program. Each of its tests is a ctest test of its own, in a process of its own; with
+# TOF_TEST_WHOLE_PROGRAMS the program is one ctest test, as starting an instrumented process costs more
+# than most tests. Tests run side by side: one that writes a file does so in a folder of its own.
+# Tests find the project's files through TOF_SOURCE_DIR and the shared spectra, where there are any, through TOF_SHARED_DATA.
 function(tof_test name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
@@ -16,7 +18,12 @@ function(tof_test name)
   target_compile_definitions(${name} PRIVATE
     TOF_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
     TOF_SHARED_DATA="${PROJECT_SOURCE_DIR}/../shared/data")
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
+  if(TOF_TEST_WHOLE_PROGRAMS)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 1800)
+  else()
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
+  endif()
 endfunction()
 
 # tof_bench(name SOURCES a_bench.cpp ... [LINK target ...])

@@ -5,9 +5,10 @@
 
 namespace tof::spectra {
 
-// `time_ns`: bin positions in nanoseconds, strictly ascending; bins without a signal may be left out,
-// so neighbours may lie further apart than `bin_width_ns`. `intensity`: same length, finite, in the
-// detector's own units (ion counts times gain, mV, ...). `bin_width_ns`: the digitizer's bin.
+// `time_ns`: bin positions in nanoseconds, strictly ascending; bins without a signal may be left
+// out, so neighbours may lie further apart than `bin_width_ns`. `intensity`: same length, finite,
+// in the detector's own units (ion counts times gain, mV, ...). `bin_width_ns`: the digitizer's
+// bin.
 struct Spectrum {
   std::vector<double> time_ns;
   std::vector<double> intensity;
