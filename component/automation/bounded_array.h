@@ -1,6 +1,7 @@
 // Arrays with lower bounds whose every access is checked (error 9, "Subscript out of range").
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -123,7 +124,7 @@ class BoundedArray2D {
  private:
   const Bounds& BoundsOf(int dimension) const {
     if (!dimensioned_ || dimension < 1 || dimension > 2) Raise(RunTimeError::kSubscriptOutOfRange);
-    return bounds_[dimension - 1];
+    return bounds_[static_cast<std::size_t>(dimension - 1)];
   }
   std::size_t OffsetOf(std::int32_t i, std::int32_t j) const {
     if (!dimensioned_ || i < bounds_[0].lower || i > bounds_[0].upper || j < bounds_[1].lower ||
@@ -136,7 +137,7 @@ class BoundedArray2D {
   }
 
   std::vector<T> elements_;
-  Bounds bounds_[2];
+  std::array<Bounds, 2> bounds_;
   bool dimensioned_ = false;
 };
 

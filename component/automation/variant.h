@@ -26,6 +26,8 @@ class Variant {
                              std::string, Object, DoubleArray, Array>;
 
   Variant() = default;  // Empty
+  // Implicit on purpose: a caller passes a plain value wherever a variant is expected.
+  // NOLINTBEGIN(google-explicit-constructor)
   Variant(Missing value) : value_(value) {}
   Variant(bool value) : value_(value) {}
   Variant(std::int16_t value) : value_(value) {}
@@ -36,6 +38,7 @@ class Variant {
   Variant(Object value) : value_(std::move(value)) {}
   Variant(DoubleArray value) : value_(std::move(value)) {}
   Variant(Array value) : value_(std::move(value)) {}
+  // NOLINTEND(google-explicit-constructor)
 
   bool IsEmpty() const noexcept { return std::holds_alternative<std::monostate>(value_); }
   bool IsArray() const noexcept {
