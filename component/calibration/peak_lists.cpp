@@ -1,6 +1,7 @@
 #include "component/calibration/peak_lists.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "component/automation/convert.h"
@@ -67,8 +68,8 @@ Partition PartitionOf(Instrument& instrument, const Range& whole,
 void FillPartitioned(Instrument& instrument, const Partition& partition, std::int32_t n_sought,
                      PeakList& in_nanoseconds, PeakList& second) {
   const std::int32_t n_below = n_sought - partition.n_above;
-  std::shared_ptr<PeakList> lower[2];
-  std::shared_ptr<PeakList> upper[2];
+  std::array<std::shared_ptr<PeakList>, 2> lower;
+  std::array<std::shared_ptr<PeakList>, 2> upper;
   for (auto& list : lower) {
     list = SizedList(instrument, 0);
     FindPreparedPeaks(instrument, partition.lower, n_below, list);
