@@ -1,5 +1,6 @@
 #include "component/automation/convert.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -45,6 +46,26 @@ bool EqualsIgnoringCase(std::string_view text, std::string_view lower_case) {
     if (Lower(text[i]) != lower_case[i]) return false;
   }
   return true;
+}
+
+// Whether a number that no double holds is too small rather than too large: the sign of the power
+// of ten of its first digit that is not 0, which no such number has near 0.
+bool IsTooSmall(std::string_view number) {
+  const auto e = std::min(number.find_first_of("eE"), number.size());
+  const std::string_view mantissa = number.substr(0, e);
+  const auto point = std::min(mantissa.find('.'), mantissa.size());
+  const auto first_digit = mantissa.find_first_of("123456789");
+  const std::int64_t power =
+      static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first_digit);
+  if (e == number.size()) return power < 0;
+  std::string_view exponent_text = number.substr(e + 1);
+  if (exponent_text.front() == '+') exponent_text.remove_prefix(1);
+  std::int64_t exponent = 0;
+  const auto [end, error] =
+      std::from_chars(exponent_text.data(), exponent_text.data() + exponent_text.size(), exponent);
+  // An exponent of 20 digits outweighs any mantissa.
+  if (error == std::errc::result_out_of_range) return exponent_text.front() == '-';
+  return power + exponent < 0;
 }
 
 double MassElement(const Variant& element) {
@@ -107,6 +128,10 @@ double TextToDouble(std::string_view text) {
     negative = digits.front() == '-';
     digits.remove_prefix(1);
   }
+  if (EqualsIgnoringCase(digits, "infinity")) {
+    const double infinity = std::numeric_limits<double>::infinity();
+    return negative ? -infinity : infinity;
+  }
   // from_chars would also read "inf" and a second sign; a number begins with a digit or a point.
   if (digits.empty() ||
       !(digits.front() == '.' || (digits.front() >= '0' && digits.front() <= '9'))) {
@@ -118,11 +143,7 @@ double TextToDouble(std::string_view text) {
     Raise(RunTimeError::kTypeMismatch);
   }
   if (error == std::errc::result_out_of_range) {
-    // Both ends of the range are reported alike; a number too small to hold is 0.
-    const auto exponent = digits.find_first_of("eE");
-    const bool tiny = exponent != std::string_view::npos && exponent + 1 < digits.size() &&
-                      digits[exponent + 1] == '-';
-    if (!tiny) Raise(RunTimeError::kOverflow);
+    if (!IsTooSmall(digits)) Raise(RunTimeError::kOverflow);
     value = 0.0;
   }
   return negative ? -value : value;

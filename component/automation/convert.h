@@ -22,9 +22,10 @@ std::int32_t ToInt32(const Variant& value);
 // A number is True unless 0; "True" and "False" in any case, and numeric text; else error 13.
 bool ToBool(const Variant& value);
 
-// A decimal number with optional sign, fraction and exponent, blanks around it allowed, "NaN"
-// included; the decimal separator is always a point. Anything else, empty text included: error 13.
-// A magnitude beyond the doubles: error 6.
+// A decimal number with optional sign, fraction and exponent, blanks around it allowed, or what
+// NumberText writes for the others: "NaN", "Infinity", "-Infinity". The decimal separator is always
+// a point. Anything else, empty text included: error 13. A magnitude beyond the doubles is error 6,
+// one too small for them 0.
 double TextToDouble(std::string_view text);
 
 // "True" or "False"; numbers as in number_text.h; Empty is the empty text. Missing, arrays and

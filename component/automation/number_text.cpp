@@ -94,6 +94,8 @@ std::string ScientificText(double value) {
   constexpr std::size_t kDigits = 11;
   if (!std::isfinite(value)) return NonFiniteText(value);
   if (value == 0.0) return "0.0000000000E+00";
+  // Halves are those of the 15 digits a double is trusted for, so that 1.00000000005 counts as one
+  // although the nearest double lies below it.
   Decimal decimal = DecimalOf(std::fabs(value));
   const bool up = decimal.digits[kDigits] >= '5';
   decimal.digits.resize(kDigits);

@@ -14,7 +14,8 @@ std::string NumberText(double value);
 // "True" or "False".
 std::string BooleanText(bool value);
 
-// The pattern "0.0000000000E+00", as in -1.5000000000E-07. NaN and infinities as in NumberText.
+// The pattern "0.0000000000E+00", as in -1.5000000000E-07, halves of the decimal form away from
+// zero. NaN and infinities as in NumberText.
 std::string ScientificText(double value);
 
 // The patterns "###" and "########": the value rounded to a whole number, halves away from zero,

@@ -2,9 +2,11 @@
 // collaborators' interfaces.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <variant>
 
 #include "component/automation/bounded_array.h"
@@ -35,6 +37,10 @@ class Variant {
   Variant(double value) : value_(value) {}
   Variant(std::string value) : value_(std::move(value)) {}
   Variant(const char* value) : value_(std::string(value)) {}
+  // Any other pointer would silently become True.
+  template <class T>
+  Variant(const T*) = delete;
+  Variant(std::nullptr_t) = delete;
   Variant(Object value) : value_(std::move(value)) {}
   Variant(DoubleArray value) : value_(std::move(value)) {}
   Variant(Array value) : value_(std::move(value)) {}

@@ -9,21 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "component/automation/error.h"
 #include "tests/component/calibration/plain_exchange_sort.h"
+#include "tests/component/error_number_of.h"
 
 namespace tof {
 namespace {
-
-template <class Body>
-std::int32_t ErrorNumberOf(Body body) {
-  try {
-    body();
-  } catch (const AutomationError& error) {
-    return error.number();
-  }
-  return 0;
-}
 
 CandidateTable TableOf(std::vector<Candidate> rows) {
   return CandidateTable(std::move(rows));
