@@ -17,6 +17,17 @@ void WholeSpectrum(benchmark::State& state) {
 }
 BENCHMARK(WholeSpectrum)->Unit(benchmark::kMillisecond);
 
+void WholeSpectrumIntoThePreviousOne(benchmark::State& state) {
+  vi::VirtualPhysics physics(vi::Parameters(), 1);
+  tof::spectra::Spectrum spectrum;
+  double now_sec = 0.0;
+  for (auto _ : state) {
+    physics.Acquire(now_sec, 75.0, 1, spectrum);
+    now_sec += 1.0;
+  }
+}
+BENCHMARK(WholeSpectrumIntoThePreviousOne)->Unit(benchmark::kMillisecond);
+
 void NormalNumber(benchmark::State& state) {
   vi::Random random(1, 0);
   const vi::NormalSampler normal;

@@ -65,6 +65,13 @@ VirtualPhysics::VirtualPhysics(Parameters parameters, std::uint64_t seed)
 }
 
 spectra::Spectrum VirtualPhysics::Acquire(double now_sec, double rf_volts, int gain_channel) {
+  spectra::Spectrum spectrum;
+  Acquire(now_sec, rf_volts, gain_channel, spectrum);
+  return spectrum;
+}
+
+void VirtualPhysics::Acquire(double now_sec, double rf_volts, int gain_channel,
+                             spectra::Spectrum& spectrum) {
   const std::vector<GainChannel>& channels = parameters_.detector.gain_channels;
   if (gain_channel < 1 || static_cast<std::size_t>(gain_channel) > channels.size()) {
     throw std::invalid_argument(fmt::format("virtual instrument: gain channel {}, expected 1 to {}",
@@ -79,8 +86,9 @@ spectra::Spectrum VirtualPhysics::Acquire(double now_sec, double rf_volts, int g
   ExpectIons(rf_volts);
   DrawRecordedIons(ions_per_pulse_, parameters_.acquisition.pulses_per_spectrum, dead_bins_,
                    ion_random_, recorded_ions_);
-  return {time_axis_ns_, Digitize(channels[static_cast<std::size_t>(gain_channel - 1)]),
-          bins_.width_ns};
+  spectrum.time_ns = time_axis_ns_;
+  spectrum.bin_width_ns = bins_.width_ns;
+  Digitize(channels[static_cast<std::size_t>(gain_channel - 1)], spectrum.intensity);
 }
 
 void VirtualPhysics::ExpectIons(double rf_volts) {
@@ -98,16 +106,15 @@ void VirtualPhysics::ExpectIons(double rf_volts) {
   }
 }
 
-std::vector<double> VirtualPhysics::Digitize(const GainChannel& channel) {
+void VirtualPhysics::Digitize(const GainChannel& channel, std::vector<double>& intensity) {
   const double noise_sd = parameters_.detector.electronic_noise_sd_counts;
   const double baseline = parameters_.detector.baseline_counts;
-  std::vector<double> intensity(bins_.count);
+  intensity.resize(bins_.count);
   for (std::size_t j = 0; j < bins_.count; ++j) {
     const double counts = baseline + noise_sd * normal_(noise_random_) +
                           channel.counts_per_ion * static_cast<double>(recorded_ions_[j]);
     intensity[j] = ToWholeCounts(std::min(counts, channel.saturation_counts));
   }
-  return intensity;
 }
 
 }  // namespace tof::virtual_instrument
