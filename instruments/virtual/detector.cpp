@@ -25,6 +25,7 @@ double AtLeastOne(double mean_ions) {
 
 void AddGaussianPeak(const TimeBins& bins, double center_ns, double sigma_ns, double ions,
                      std::span<double> ions_per_pulse) {
+  if (!(sigma_ns > 0.0) || !std::isfinite(sigma_ns)) return;
   const double reach_ns = kPeakReachSigmas * sigma_ns;
   const auto bin_at = [&](double time_ns) {
     const double position = std::floor((time_ns - bins.start_ns) / bins.width_ns);

@@ -29,7 +29,8 @@ struct TimeBins {
 };
 
 // Adds a Gaussian peak of `ions` mean ions per pulse at `center_ns` to `ions_per_pulse`, one
-// element a bin. What falls outside the bins is lost.
+// element a bin. What falls outside the bins is lost; a `sigma_ns` that is not a finite number
+// above 0 (the analyzer's law gives no arrival after the pulse) adds nothing.
 void AddGaussianPeak(const TimeBins& bins, double center_ns, double sigma_ns, double ions,
                      std::span<double> ions_per_pulse);
 

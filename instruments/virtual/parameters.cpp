@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 namespace tof::virtual_instrument {
 namespace {
@@ -25,17 +26,21 @@ void RequireNotNegative(std::string_view name, double value) {
   if (!std::isfinite(value) || value < 0.0) Reject(name, value, "0 or a number above it");
 }
 
-void RequireFinite(std::string_view name, double value) {
-  if (!std::isfinite(value)) Reject(name, value, "a finite number");
+// Limits far outside any instrument: they keep every later product and whole number in range.
+void RequireWithin(std::string_view name, double value, double limit) {
+  if (!(std::abs(value) <= limit)) {
+    Reject(name, value, fmt::format("a number from {} to {}", -limit, limit));
+  }
+}
+
+void RequireFromZeroTo(std::string_view name, double value, double limit) {
+  if (!(value >= 0.0 && value <= limit)) Reject(name, value, fmt::format("0 to {}", limit));
 }
 
 void ValidateAnalyzer(const AnalyzerParameters& analyzer) {
   RequirePositive("a_sqrt_u_per_ns", analyzer.a_sqrt_u_per_ns);
-  RequireFinite("t0_ns", analyzer.t0_ns);
-  RequireFinite("curvature_ppm", analyzer.curvature_ppm);
-  if (std::abs(analyzer.curvature_ppm) > 1e5) {
-    Reject("curvature_ppm", analyzer.curvature_ppm, "at most 100000 to either side");
-  }
+  RequireWithin("t0_ns", analyzer.t0_ns, 1e9);
+  RequireWithin("curvature_ppm", analyzer.curvature_ppm, 1e5);
   RequirePositive("resolving_power", analyzer.resolving_power);
 }
 
@@ -62,20 +67,22 @@ void ValidateAcquisition(const AcquisitionParameters& acquisition) {
 
 void ValidateDetector(const DetectorParameters& detector) {
   RequireNotNegative("dead_time_ns", detector.dead_time_ns);
-  RequireNotNegative("electronic_noise_sd_counts", detector.electronic_noise_sd_counts);
-  RequireFinite("baseline_counts", detector.baseline_counts);
+  RequireFromZeroTo("electronic_noise_sd_counts", detector.electronic_noise_sd_counts, 1e12);
+  RequireWithin("baseline_counts", detector.baseline_counts, 1e12);
   if (detector.gain_channels.empty()) Reject("number of gain channels", 0.0, "at least 1");
   for (const GainChannel& channel : detector.gain_channels) {
     RequirePositive("counts_per_ion", channel.counts_per_ion);
     RequirePositive("saturation_counts", channel.saturation_counts);
+    // Whole counts are exact in a double up to here.
+    RequireFromZeroTo("saturation_counts", channel.saturation_counts, 1e15);
   }
 }
 
 void ValidateChange(const DriftParameters& drift, const FlickerParameters& flicker) {
-  RequireFinite("rate_ppm_per_min", drift.rate_ppm_per_min);
-  RequireNotNegative("random_walk_ppm_per_sqrt_min", drift.random_walk_ppm_per_sqrt_min);
-  RequireNotNegative("common_sd", flicker.common_sd);
-  RequireNotNegative("own_sd", flicker.own_sd);
+  RequireWithin("rate_ppm_per_min", drift.rate_ppm_per_min, 1e6);
+  RequireFromZeroTo("random_walk_ppm_per_sqrt_min", drift.random_walk_ppm_per_sqrt_min, 1e6);
+  RequireFromZeroTo("common_sd", flicker.common_sd, 1.0);
+  RequireFromZeroTo("own_sd", flicker.own_sd, 1.0);
   if (!(flicker.common_correlation >= 0.0 && flicker.common_correlation < 1.0)) {
     Reject("common_correlation", flicker.common_correlation, "0 or above, and below 1");
   }
@@ -95,7 +102,7 @@ void ValidateRfGuide(const RfGuideParameters& guide) {
 void ValidateSpecies(const std::vector<Species>& all) {
   for (const Species& species : all) {
     RequirePositive("mass_u", species.mass_u);
-    RequireNotNegative("ions_per_pulse", species.ions_per_pulse);
+    RequireFromZeroTo("ions_per_pulse", species.ions_per_pulse, 1e6);
   }
 }
 

@@ -105,7 +105,7 @@ bool NormalSampler::AcceptOutsideTheCore(Random& random, std::size_t layer, doub
 }
 
 std::int64_t SampleBinomial(Random& random, std::int64_t trials, double probability) {
-  if (trials <= 0 || probability <= 0.0) return 0;
+  if (trials <= 0 || !(probability > 0.0)) return 0;
   if (probability >= 1.0) return trials;
   if (probability > 0.5) return trials - SampleBinomial(random, trials, 1.0 - probability);
   if (static_cast<double>(trials) * probability < 10.0) {

@@ -32,10 +32,10 @@ ErrorFigures Summarize(std::span<const double> errors_ppm);
 std::vector<double> CheckMasses(double lowest_u, double highest_u, std::size_t count);
 
 // How far the mean recorded arrival time lies from the true one, in standard deviations of the
-// peak, for a lone Gaussian peak of `lambda` (0 or above) mean ions per pulse: 0 or below. For a
-// dead time that covers the peak the recorded density is proportional to f exp(-lambda F), and for
-// small lambda the shift is -lambda / (2 sqrt(pi)). `dead_time_sigmas`: dead time over the peak's
-// sigma.
+// peak, for a lone Gaussian peak of `lambda` (0 or above, finite) mean ions per pulse: 0 or below.
+// For a dead time that covers the peak the recorded density is proportional to f exp(-lambda F),
+// and for small lambda the shift is -lambda / (2 sqrt(pi)). `dead_time_sigmas`: dead time over the
+// peak's sigma.
 double DeadTimeShiftSigmas(double lambda, double dead_time_sigmas);
 
 // The noise-free mean recorded flight time in ns of a lone peak of `mass_u` at `lambda` ions per

@@ -29,6 +29,11 @@ TimeBins BinsOf(const AcquisitionParameters& acquisition) {
   return {start_ns, acquisition.bin_ns, static_cast<std::size_t>(count)};
 }
 
+std::size_t DeadBinsOf(const DetectorParameters& detector, const TimeBins& bins) {
+  const double dead_bins = std::ceil(detector.dead_time_ns / bins.width_ns - 1e-6);
+  return static_cast<std::size_t>(std::min(dead_bins, static_cast<double>(bins.count)));
+}
+
 // A digitizer delivers whole numbers. (A conversion is much faster than std::round.)
 double ToWholeCounts(double counts) {
   const double rounded_half_away = counts < 0.0 ? counts - 0.5 : counts + 0.5;
@@ -40,8 +45,7 @@ double ToWholeCounts(double counts) {
 VirtualPhysics::VirtualPhysics(Parameters parameters, std::uint64_t seed)
     : parameters_(Validated(std::move(parameters))),
       bins_(BinsOf(parameters_.acquisition)),
-      dead_bins_(static_cast<std::size_t>(
-          std::ceil(parameters_.detector.dead_time_ns / bins_.width_ns - 1e-6))),
+      dead_bins_(DeadBinsOf(parameters_.detector, bins_)),
       drift_(parameters_.drift, Random(seed, kDriftStream)),
       flicker_(parameters_.flicker, Random(seed, kFlickerStream)),
       ion_random_(seed, kIonStream),

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <numeric>
 #include <vector>
@@ -74,6 +75,14 @@ TEST(AddGaussianPeak, LosesWhatLiesOutsideTheWindow) {
   EXPECT_EQ(std::accumulate(after.begin(), after.end(), 0.0), 0.0);
 }
 
+TEST(AddGaussianPeak, AddsNothingWithoutAWidth) {
+  for (const double sigma_ns : {0.0, -1.0, std::numeric_limits<double>::infinity(),
+                                std::numeric_limits<double>::quiet_NaN()}) {
+    const std::vector<double> ions = PeakAt(1010.0, sigma_ns, 1.0);
+    EXPECT_EQ(std::accumulate(ions.begin(), ions.end(), 0.0), 0.0) << sigma_ns;
+  }
+}
+
 TEST(ExpectedRecordedIons, OfALonePeakIsTheFirstIonsDistribution) {
   for (const double lambda : {0.01, 0.3, 2.0, 8.0}) {
     const std::vector<double> recorded =
@@ -119,7 +128,7 @@ TEST(ExpectedRecordedIons, IsWhatCountingPulseByPulseGives) {
 // Not only the mean: variance and covariance of every two bins are those of pulse-by-pulse
 // counting.
 TEST(DrawRecordedIons, ScattersAsCountingPulseByPulseDoes) {
-  constexpr int kSpectra = 20'000;
+  constexpr int kSpectra = 8'000;
   constexpr int kPulses = 50;
   for (const DeadTimeCase& row : DeadTimeCases()) {
     SCOPED_TRACE(row.name);
