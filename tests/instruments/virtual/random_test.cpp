@@ -43,8 +43,7 @@ TEST(Random, SeedsAndStreamsDiffer) {
 }
 
 TEST(Random, UniformNumbersNeverReachTheEnds) {
-  // The scrambler's output is state[3] rotated plus ..., so these states give all zeros and all
-  // ones.
+  // The output is rotl(s[0] + s[3], 23) + s[0]: these states give all zeros and all ones.
   Random lowest(Random::State{0, 1, 0, 0});
   EXPECT_EQ(lowest.NextUniform(), 0x1.0p-53);
   Random highest(Random::State{0xFFFFFFFFFFFFFFFFU, 0, 0, 1});
