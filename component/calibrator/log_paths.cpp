@@ -2,8 +2,12 @@
 
 namespace tof {
 
+std::string LogFolder(Instrument& instrument) {
+  return Need(instrument.factory->GetInstrumentPaths()).GetBaseFolder() + "\\Logfiles\\";
+}
+
 std::string LogFilePath(Instrument& instrument, const std::string& name) {
-  return Need(instrument.factory->GetInstrumentPaths()).GetBaseFolder() + "\\Logfiles\\" + name;
+  return LogFolder(instrument) + name;
 }
 
 }  // namespace tof

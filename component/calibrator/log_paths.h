@@ -7,7 +7,10 @@
 
 namespace tof {
 
-// A file below "\Logfiles\" of the instrument's base folder.
+// The folder "\Logfiles\" of the instrument's base folder, its separator at the end.
+std::string LogFolder(Instrument& instrument);
+
+// A file in that folder.
 std::string LogFilePath(Instrument& instrument, const std::string& name);
 
 inline constexpr const char* kTuneReportFile = "TuneReportCalibData.txt";

@@ -46,10 +46,10 @@ std::string HeaderText(Instrument& instrument, HostServices& host) {
 
 void OpenCalibrationLog(Instrument& instrument, HostServices& host) {
   const auto files = host.CreateFileSystem();
+  const std::string folder = LogFolder(instrument);
   const DateTime now = host.Now();
-  const std::string path =
-      LogFilePath(instrument, "CalibrationLog_" + DateText(now) + "_" + TimeText(now) + ".txt");
-  const auto stream = Need(files).OpenForAppending(path);
+  const auto stream = Need(files).OpenForAppending(folder + "CalibrationLog_" + DateText(now) +
+                                                   "_" + TimeText(now) + ".txt");
   Need(stream).WriteLine(HeaderText(instrument, host));
   CurrentModuleState().calibration_log = stream;
 }
