@@ -72,7 +72,12 @@ void FakeTrace::PutProperty(std::string_view name, const Variant& value) {
 }
 
 Variant FakeTrace::Call(std::string_view method, const std::vector<Variant>& arguments) {
-  journal_.Enter("Trace." + std::string(method));
+  std::string call = "Trace." + std::string(method) + "(";
+  for (const Variant& argument : arguments) {
+    if (&argument != &arguments.front()) call += ",";
+    call += ToText(argument);
+  }
+  journal_.Enter(call + ")");
   if (method == "TracePrint") {
     texts_.push_back(ToText(arguments.at(0)));
     lines.push_back(ToText(arguments.at(1)) + " " + ToText(arguments.at(2)) + ": " + texts_.back());

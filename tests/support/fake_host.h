@@ -21,7 +21,7 @@ struct FakeFile {
 class FakeTrace : public LateBoundObject {
  public:
   explicit FakeTrace(Journal& journal) : journal_(journal) {}
-  bool on = true;
+  Variant on = true;
   std::string module_name;
   std::vector<std::string> lines;
 

@@ -209,8 +209,9 @@ class Parser : public SpecParser, Part {
     const auto n = static_cast<std::size_t>(fake.spectra_taken++);
     const double shift = n < fake.spectrum_shift_ns.size() ? fake.spectrum_shift_ns[n] : 0.0;
     const auto& wanted = AsDoubleArray(masses);
-    PeakAttribsTable table({0, 1}, {0, wanted.UBound()}, IfEmpty::kIsAllowed);
-    for (std::int32_t i = wanted.LBound(); i <= wanted.UBound(); ++i) {
+    const std::int32_t last = wanted.UBound() - fake.masses_left_out;
+    PeakAttribsTable table({0, 1}, {0, last}, IfEmpty::kIsAllowed);
+    for (std::int32_t i = wanted.LBound(); i <= last; ++i) {
       FillPair(wanted(i), shift, table(0, i), table(1, i));
     }
     return table;

@@ -28,6 +28,9 @@ class FakeInstrument : public InstrumentFactory {
   // The masses of which a spectrum has peaks; also the instrument's own calibrant list.
   std::vector<double> sample_masses = {118.0863, 322.0481, 622.029, 922.0098, 1221.9906, 1521.9715};
 
+  // How many of the masses that are asked for, from the last one on, a parsed spectrum leaves out.
+  std::int32_t masses_left_out = 0;
+
   // What the instrument holds.
   std::map<std::int32_t, Variant> setpoints;
   std::map<std::string, double> settings;  // "Section/Key"
