@@ -1,0 +1,160 @@
+#include "instruments/peaks/peak_picking.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tof::peaks {
+namespace {
+
+// A piece of the trace whose baseline and noise are taken together. Long enough that a cluster of
+// isotopes fills a small part of it, short enough to follow the background.
+constexpr double kPieceFwhm = 256.0;
+constexpr double kAbundanceReachFwhm = 1.5;
+constexpr double kSigmaPerMedianDeviation = 1.4826;  // of a normal distribution
+
+struct Piece {
+  std::size_t begin;
+  std::size_t end;
+  std::size_t smoothing_bins;  // odd
+  double fwhm_bins;
+};
+
+struct Background {
+  double baseline;
+  double noise;  // standard deviation of the smoothed trace
+};
+
+Piece PieceFrom(const Trace& trace, std::size_t begin, const PeakWidthModel& width) {
+  const double fwhm_bins =
+      std::max(1.0, width.FwhmAt(trace.TimeOf(static_cast<double>(begin))) / trace.bin_ns);
+  const auto smoothing = 2 * static_cast<std::size_t>(fwhm_bins / 2.0) + 1;
+  const auto length = static_cast<std::size_t>(kPieceFwhm * fwhm_bins);
+  // The rest of the trace joins the last piece when it is too short for one of its own.
+  const std::size_t rest = trace.intensity.size() - begin;
+  return {begin, rest < length + length / 2 ? trace.intensity.size() : begin + length, smoothing,
+          fwhm_bins};
+}
+
+// Means over `smoothing_bins` around each bin from one such width before the piece to one after it,
+// so that a maximum at the edge is recognised; bins beyond the trace are 0.
+void Smooth(const Trace& trace, const Piece& piece, std::vector<double>& smoothed) {
+  const std::vector<double>& y = trace.intensity;
+  const std::size_t margin = piece.smoothing_bins;
+  const std::size_t half = piece.smoothing_bins / 2;
+  const std::size_t length = piece.end - piece.begin + 2 * margin;
+  smoothed.resize(length);
+  const auto bin = [&](std::size_t index_from_margin) {
+    // Indices count from `margin + half` before the piece; what lies before the trace wraps around
+    // to huge numbers and is beyond it too.
+    const std::size_t i = piece.begin + index_from_margin - margin - half;
+    return i < y.size() ? y[i] : 0.0;
+  };
+  double sum = 0.0;
+  for (std::size_t i = 0; i + 1 < piece.smoothing_bins; ++i) sum += bin(i);
+  const double scale = 1.0 / static_cast<double>(piece.smoothing_bins);
+  for (std::size_t i = 0; i < length; ++i) {
+    sum += bin(i + piece.smoothing_bins - 1);
+    smoothed[i] = sum * scale;
+    sum -= bin(i);
+  }
+}
+
+double MedianOf(std::vector<double>& values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+// From independent samples, one per smoothing width. The deviations of samples that hold exactly
+// the baseline are left out: in a counting spectrum where most bins are empty the median deviation
+// would be 0, and what remains is then the size of a single ion.
+Background BackgroundOf(const Piece& piece, const std::vector<double>& smoothed,
+                        std::vector<double>& samples) {
+  samples.clear();
+  for (std::size_t i = piece.smoothing_bins; i + piece.smoothing_bins < smoothed.size();
+       i += piece.smoothing_bins) {
+    samples.push_back(smoothed[i]);
+  }
+  Background background{0.0, 0.0};
+  if (samples.empty()) return background;
+  background.baseline = MedianOf(samples);
+  for (double& sample : samples) sample = std::abs(sample - background.baseline);
+  std::erase_if(samples, [&](double deviation) {
+    return !(deviation > 1e-12 * std::abs(background.baseline));
+  });
+  if (!samples.empty()) background.noise = kSigmaPerMedianDeviation * MedianOf(samples);
+  return background;
+}
+
+// The highest of everything within one smoothing width; the first of equals.
+bool IsMaximum(const std::vector<double>& smoothed, std::size_t i, std::size_t reach) {
+  for (std::size_t k = 1; k <= reach; ++k) {
+    if (!(smoothed[i] > smoothed[i - k]) || !(smoothed[i] >= smoothed[i + k])) return false;
+  }
+  return true;
+}
+
+double SumAround(const Trace& trace, double centre, double reach, double baseline) {
+  const double last = static_cast<double>(trace.intensity.size()) - 1.0;
+  const auto begin = static_cast<std::size_t>(std::clamp(std::ceil(centre - reach), 0.0, last));
+  const auto end = static_cast<std::size_t>(std::clamp(std::floor(centre + reach), 0.0, last));
+  double sum = 0.0;
+  for (std::size_t i = begin; i <= end; ++i) sum += trace.intensity[i] - baseline;
+  return sum;
+}
+
+Peak MeasurePeak(const Trace& trace, std::size_t apex, const Piece& piece,
+                 const Background& background, CentroidMethod method) {
+  const double centre = Centroid(trace, apex, piece.fwhm_bins, background.baseline, method);
+  Peak peak;
+  peak.time_ns = trace.TimeOf(centre);
+  if (!std::isfinite(centre)) return peak;
+  const std::size_t reach = piece.smoothing_bins / 2 + 1;
+  const auto y = trace.intensity.begin();
+  const std::size_t from = apex > reach ? apex - reach : 0;
+  const std::size_t to = std::min(apex + reach + 1, trace.intensity.size());
+  const auto highest =
+      std::max_element(y + static_cast<std::ptrdiff_t>(from), y + static_cast<std::ptrdiff_t>(to));
+  peak.height = *highest - background.baseline;
+  peak.abundance =
+      SumAround(trace, centre, kAbundanceReachFwhm * piece.fwhm_bins, background.baseline);
+  peak.fwhm_ns = trace.bin_ns * FullWidthAtHalfHeight(trace, static_cast<std::size_t>(highest - y),
+                                                      background.baseline);
+  return peak;
+}
+
+// Two maxima of one peak give one centroid.
+void AddPeak(std::vector<Peak>& peaks, const Peak& peak, double fwhm_ns) {
+  if (!std::isfinite(peak.time_ns)) return;
+  if (!peaks.empty() && peak.time_ns < peaks.back().time_ns + 0.5 * fwhm_ns) {
+    if (peak.snr > peaks.back().snr) peaks.back() = peak;
+    return;
+  }
+  peaks.push_back(peak);
+}
+
+}  // namespace
+
+std::vector<Peak> PickPeaks(const Trace& trace, const PeakWidthModel& width,
+                            const PickOptions& options) {
+  std::vector<Peak> peaks;
+  std::vector<double> smoothed, samples;
+  for (std::size_t begin = 0; begin < trace.intensity.size();) {
+    const Piece piece = PieceFrom(trace, begin, width);
+    Smooth(trace, piece, smoothed);
+    const Background background = BackgroundOf(piece, smoothed, samples);
+    const double threshold = background.baseline + options.min_snr * background.noise;
+    const std::size_t margin = piece.smoothing_bins;
+    for (std::size_t i = margin; i + margin < smoothed.size(); ++i) {
+      if (!(smoothed[i] > threshold) || !IsMaximum(smoothed, i, margin)) continue;
+      Peak peak = MeasurePeak(trace, piece.begin + i - margin, piece, background, options.centroid);
+      peak.snr = background.noise > 0.0 ? (smoothed[i] - background.baseline) / background.noise
+                                        : smoothed[i] - background.baseline;
+      AddPeak(peaks, peak, piece.fwhm_bins * trace.bin_ns);
+    }
+    begin = piece.end;
+  }
+  return peaks;
+}
+
+}  // namespace tof::peaks
