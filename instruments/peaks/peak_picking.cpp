@@ -79,9 +79,8 @@ Background BackgroundOf(const Piece& piece, const std::vector<double>& smoothed,
   if (samples.empty()) return background;
   background.baseline = MedianOf(samples);
   for (double& sample : samples) sample = std::abs(sample - background.baseline);
-  std::erase_if(samples, [&](double deviation) {
-    return !(deviation > 1e-12 * std::abs(background.baseline));
-  });
+  const double rounding = 1e-9 * *std::max_element(samples.begin(), samples.end());
+  std::erase_if(samples, [&](double deviation) { return !(deviation > rounding); });
   if (!samples.empty()) background.noise = kSigmaPerMedianDeviation * MedianOf(samples);
   return background;
 }
@@ -104,8 +103,8 @@ double SumAround(const Trace& trace, double centre, double reach, double baselin
 }
 
 Peak MeasurePeak(const Trace& trace, std::size_t apex, const Piece& piece,
-                 const Background& background, CentroidMethod method) {
-  const double centre = Centroid(trace, apex, piece.fwhm_bins, background.baseline, method);
+                 const Background& background, const CentroidOptions& options) {
+  const double centre = Centroid(trace, apex, piece.fwhm_bins, background.baseline, options);
   Peak peak;
   peak.time_ns = trace.TimeOf(centre);
   if (!std::isfinite(centre)) return peak;

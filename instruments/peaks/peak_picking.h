@@ -22,7 +22,7 @@ struct PickOptions {
   // Smallest signal-to-noise ratio of a peak. Five standard deviations are met by chance about once
   // in the bins of some ten spectra.
   double min_snr = 5.0;
-  CentroidMethod centroid = CentroidMethod::kMatchedFilter;
+  CentroidOptions centroid;
 };
 
 // Peaks in ascending time. The trace is smoothed over a peak width; baseline and noise are the

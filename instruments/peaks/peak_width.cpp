@@ -41,7 +41,7 @@ double ExponentOf(const std::vector<double>& times_ns, const std::vector<double>
       slopes.push_back(std::log(widths_ns[j] / widths_ns[i]) / std::log(times_ns[j] / times_ns[i]));
     }
   }
-  return slopes.size() < 10 ? 1.0 : std::clamp(MedianOf(std::move(slopes)), 0.0, 1.0);
+  return slopes.size() < 10 ? 1.0 : std::clamp(MedianOf(std::move(slopes)), -1.0, 1.0);
 }
 
 }  // namespace

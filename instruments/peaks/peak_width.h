@@ -5,8 +5,8 @@
 
 namespace tof::peaks {
 
-// FWHM in ns as a power of the flight time: the exponent is 1 for a constant resolving power and 0
-// for a constant width; real analysers lie between.
+// FWHM in ns as a power of the flight time: the exponent is 1 for a constant resolving power, 0 for
+// a constant width, and negative for a reflectron that focuses heavy ions better than light ones.
 struct PeakWidthModel {
   double reference_time_ns = 1.0;
   double reference_fwhm_ns = 1.0;
