@@ -44,10 +44,10 @@ class NormalSampler {
   std::array<double, kLayers> scale_{};       // edge / 2^52
 };
 
-// How many of `trials` (>= 0) independent trials succeed when each does with `probability` (0 to
-// 1). Inversion when fewer than ten successes are expected, else the transformed rejection BTRS of
-// W. Hoermann, "The generation of binomial random variates", J. Stat. Comput. Simul. 46, 101
-// (1993).
+// How many of `trials` (>= 0) independent trials succeed when each does with `probability` (0 to 1;
+// what is below or not a number counts as 0, what is above as 1). Inversion when fewer than ten
+// successes are expected, else the transformed rejection BTRS of W. Hoermann, "The generation of
+// binomial random variates", J. Stat. Comput. Simul. 46, 101 (1993).
 std::int64_t SampleBinomial(Random& random, std::int64_t trials, double probability);
 
 }  // namespace tof::virtual_instrument
