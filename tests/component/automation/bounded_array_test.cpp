@@ -142,12 +142,12 @@ TEST(BoundedArray2D, RaisesError7ForExtentsWhoseProductOverflows) {
   EXPECT_EQ(array(0, 0), 5.0);
 }
 
-TEST(BoundedArray2D, RaisesError7ForMoreThanAnyMemoryHolds) {
+TEST(BoundedArray2D, RaisesError7ForMoreElementsThanAContainerTakes) {
   BoundedArray2D<double> array;
-  // 2^60 bytes: the product is representable, the memory is not there.
+  // 2^60 elements of 8 bytes: the product is representable, but no container takes it.
   const auto dimension = [&] {
     try {
-      array.ReDim({0, (1 << 29) - 1}, {0, (1 << 28) - 1});
+      array.ReDim({0, (1 << 30) - 1}, {0, (1 << 30) - 1});
     } catch (...) {
       throw CurrentError();
     }
