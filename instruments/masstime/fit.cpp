@@ -191,6 +191,8 @@ Fit FitTerms(const Calibrants& calibrants, const AcquisitionWindow& window, Term
 Fit FitWithFallback(const Calibrants& calibrants, const AcquisitionWindow& window, TermSet terms,
                     Weighting a_and_t0, Weighting with_terms) {
   const Fit plain = FitTerms(calibrants, window, 0, a_and_t0);
+  WeightOf(1.0,
+           with_terms);  // an unknown weighting is the caller's error, not a reason to fall back
   for (terms &= kAllTerms; terms != 0; terms = WithoutHighest(terms)) {
     try {
       Fit fit = FitTerms(calibrants, window, terms, with_terms);
