@@ -20,8 +20,8 @@ struct Piece {
 };
 
 struct Background {
-  double baseline;
-  double noise;  // standard deviation of the smoothed trace
+  double baseline = 0.0;
+  double noise = 0.0;  // standard deviation of the smoothed trace
 };
 
 Piece PieceFrom(const Trace& trace, std::size_t begin, const PeakWidthModel& width) {
@@ -65,25 +65,64 @@ double MedianOf(std::vector<double>& values) {
   return *middle;
 }
 
-// From independent samples, one per smoothing width. The deviations of samples that hold exactly
-// the baseline are left out: in a counting spectrum where most bins are empty the median deviation
-// would be 0, and what remains is then the size of a single ion.
-Background BackgroundOf(const Piece& piece, const std::vector<double>& smoothed,
-                        std::vector<double>& samples) {
-  samples.clear();
-  for (std::size_t i = piece.smoothing_bins; i + piece.smoothing_bins < smoothed.size();
-       i += piece.smoothing_bins) {
-    samples.push_back(smoothed[i]);
+// Size of a single ion in a counting spectrum: a low quantile of the bins that hold something.
+double SingleIonSize(const Trace& trace) {
+  std::vector<double> filled;
+  for (const double value : trace.intensity) {
+    if (value > 0.0) filled.push_back(value);
   }
-  Background background{0.0, 0.0};
-  if (samples.empty()) return background;
-  background.baseline = MedianOf(samples);
-  for (double& sample : samples) sample = std::abs(sample - background.baseline);
-  const double rounding = 1e-9 * *std::max_element(samples.begin(), samples.end());
-  std::erase_if(samples, [&](double deviation) { return !(deviation > rounding); });
-  if (!samples.empty()) background.noise = kSigmaPerMedianDeviation * MedianOf(samples);
-  return background;
+  if (filled.empty()) return 0.0;
+  const auto quartile = filled.begin() + static_cast<std::ptrdiff_t>(filled.size() / 4);
+  std::nth_element(filled.begin(), quartile, filled.end());
+  return *quartile;
 }
+
+// Baseline and noise of a piece, from independent samples of it, one per smoothing width.
+class BackgroundEstimate {
+ public:
+  explicit BackgroundEstimate(const Trace& trace) : trace_(trace) {}
+
+  Background Of(const Piece& piece, const std::vector<double>& smoothed) {
+    samples_.clear();
+    for (std::size_t i = piece.smoothing_bins; i + piece.smoothing_bins < smoothed.size();
+         i += piece.smoothing_bins) {
+      samples_.push_back(smoothed[i]);
+    }
+    if (samples_.empty()) return {};
+    Background background;
+    background.baseline = MedianOf(samples_);
+    background.noise = kSigmaPerMedianDeviation * MedianDeviation(piece, background.baseline);
+    return background;
+  }
+
+ private:
+  // In a counting spectrum most samples are empty and the median deviation would be 0, although
+  // single ions come along. There it is that of the samples which are not empty, but no more than a
+  // single ion's, because they may hold a peak alone.
+  double MedianDeviation(const Piece& piece, double baseline) {
+    const std::size_t all = samples_.size();
+    for (double& sample : samples_) sample = std::abs(sample - baseline);
+    const double rounding = 1e-9 * *std::max_element(samples_.begin(), samples_.end());
+    std::erase_if(samples_, [&](double deviation) { return !(deviation > rounding); });
+    if (samples_.empty()) return SingleIon() / static_cast<double>(piece.smoothing_bins);
+    const double deviation = MedianOf(samples_);
+    if (2 * samples_.size() >= all) return deviation;
+    return std::min(deviation, SingleIon() / static_cast<double>(piece.smoothing_bins));
+  }
+
+  double SingleIon() {
+    if (!single_ion_known_) {
+      single_ion_ = SingleIonSize(trace_);
+      single_ion_known_ = true;
+    }
+    return single_ion_;
+  }
+
+  const Trace& trace_;
+  double single_ion_ = 0.0;  // worked out when a piece needs it
+  bool single_ion_known_ = false;
+  std::vector<double> samples_;
+};
 
 // The highest of everything within one smoothing width; the first of equals.
 bool IsMaximum(const std::vector<double>& smoothed, std::size_t i, std::size_t reach) {
@@ -137,18 +176,18 @@ void AddPeak(std::vector<Peak>& peaks, const Peak& peak, double fwhm_ns) {
 std::vector<Peak> PickPeaks(const Trace& trace, const PeakWidthModel& width,
                             const PickOptions& options) {
   std::vector<Peak> peaks;
-  std::vector<double> smoothed, samples;
+  BackgroundEstimate estimate(trace);
+  std::vector<double> smoothed;
   for (std::size_t begin = 0; begin < trace.intensity.size();) {
     const Piece piece = PieceFrom(trace, begin, width);
     Smooth(trace, piece, smoothed);
-    const Background background = BackgroundOf(piece, smoothed, samples);
+    const Background background = estimate.Of(piece, smoothed);
     const double threshold = background.baseline + options.min_snr * background.noise;
     const std::size_t margin = piece.smoothing_bins;
     for (std::size_t i = margin; i + margin < smoothed.size(); ++i) {
       if (!(smoothed[i] > threshold) || !IsMaximum(smoothed, i, margin)) continue;
       Peak peak = MeasurePeak(trace, piece.begin + i - margin, piece, background, options.centroid);
-      peak.snr = background.noise > 0.0 ? (smoothed[i] - background.baseline) / background.noise
-                                        : smoothed[i] - background.baseline;
+      peak.snr = (smoothed[i] - background.baseline) / background.noise;
       AddPeak(peaks, peak, piece.fwhm_bins * trace.bin_ns);
     }
     begin = piece.end;

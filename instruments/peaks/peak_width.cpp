@@ -9,6 +9,9 @@ namespace {
 
 constexpr std::size_t kSections = 128;
 constexpr std::size_t kStrongest = 24;
+// A maximum is a peak when it is so many times higher than that of a usual section: most sections
+// hold noise or small peaks alone.
+constexpr double kHeightOfAPeak = 3.0;
 // Flight times must differ by this much for a pair of widths to say how the width grows.
 constexpr double kDistinctTimes = 1.15;
 
@@ -74,6 +77,8 @@ PeakWidthModel EstimatePeakWidth(const Trace& trace) {
   if (maxima.empty()) return {1.0, 2.0 * trace.bin_ns, 0.0};
   std::sort(maxima.begin(), maxima.end(),
             [&](std::size_t a, std::size_t b) { return y[a] > y[b]; });
+  const double usual = y[maxima[maxima.size() / 2]];
+  while (maxima.size() > 1 && y[maxima.back()] < kHeightOfAPeak * usual) maxima.pop_back();
   maxima.resize(std::min(maxima.size(), kStrongest));
 
   std::vector<double> times_ns, widths_ns;
