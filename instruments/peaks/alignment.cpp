@@ -71,6 +71,7 @@ class Aligner {
     for (const double tolerance : {start, 2.0 * start, start, kRefinementTolerances.front()}) {
       Refine(best, tolerance);
     }
+    best.spread = Spread(best);
     return best;
   }
 
@@ -204,6 +205,18 @@ class Aligner {
     if (qr.rank() < design.cols()) return;
     const Eigen::VectorXd solution = qr.solve(shift);
     alignment.correction_ns.assign(solution.begin(), solution.end());
+  }
+
+  double Spread(const Alignment& alignment) const {
+    std::vector<double> distances;
+    for (const Match& match : Matches(alignment, kRefinementTolerances.front())) {
+      const double time_ns = alignment.Correct(expected_[match.expected].time_ns);
+      distances.push_back(std::abs(match.cluster->first.time_ns / time_ns - 1.0));
+    }
+    if (distances.empty()) return 0.0;
+    const auto middle = distances.begin() + static_cast<std::ptrdiff_t>(distances.size() / 2);
+    std::nth_element(distances.begin(), middle, distances.end());
+    return *middle;
   }
 
   std::span<const Expected> expected_;

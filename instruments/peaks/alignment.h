@@ -21,6 +21,7 @@ struct Alignment {
   double half_width_ns = 1.0;
   std::vector<double> correction_ns;  // by power; none: the times are taken as expected
   std::size_t matched = 0;            // calibrants that have a cluster where it says
+  double spread = 0.0;                // their median distance from it, as a part of the flight time
 
   double Correct(double expected_ns) const;
 };

@@ -17,9 +17,10 @@ constexpr double kOwnWindowPercent = 2.0;
 // Without at least this many calibrants on one smooth correction, nothing is known of the
 // calibration's error.
 constexpr std::size_t kLeastAligned = 3;
-// Final search around the corrected time: part of the flight time, but never near a neighbouring
-// isotope.
-constexpr double kFinalToleranceOfTime = 1e-4;
+// Final search around the corrected time: so many times the spread of the aligned calibrants, but
+// not less than a part of the peak width, and never near a neighbouring isotope.
+constexpr double kFinalToleranceSpreads = 6.0;
+constexpr double kLeastFinalToleranceFwhm = 0.6;
 constexpr double kFinalToleranceOfSpacing = 0.4;
 // Without an alignment: the window, but not further than a calibration in force is off.
 constexpr double kUnalignedWindowPercent = 0.2;
@@ -63,12 +64,12 @@ std::optional<Peak> PeakNear(std::span<const Peak> peaks, double time_ns, double
   return best;
 }
 
-double FinalTolerance(double time_ns, const masstime::MassTimeModel& calibration,
-                      const PeakWidthModel& width) {
-  const double fwhm_ns = width.FwhmAt(time_ns);
-  const double spacing_ns = IsotopeSpacing(calibration, time_ns);
-  const double wide = std::max(fwhm_ns, kFinalToleranceOfTime * time_ns);
-  return std::max(std::min(wide, kFinalToleranceOfSpacing * spacing_ns), 0.5 * fwhm_ns);
+double FinalTolerance(double time_ns, const Alignment& alignment,
+                      const masstime::MassTimeModel& calibration, const PeakWidthModel& width) {
+  const double least = kLeastFinalToleranceFwhm * width.FwhmAt(time_ns);
+  const double spread = kFinalToleranceSpreads * alignment.spread * time_ns;
+  const double isotope = kFinalToleranceOfSpacing * IsotopeSpacing(calibration, time_ns);
+  return std::max(std::min(spread, isotope), least);
 }
 
 // The one cluster in the window, or the one that outweighs all others.
@@ -114,7 +115,8 @@ std::vector<std::optional<Peak>> FindCalibrants(const spectra::Spectrum& spectru
     }
     const double time_ns = alignment.Correct(expected[i].time_ns);
     if (!(std::abs(time_ns - expected[i].time_ns) <= expected[i].window_ns)) continue;
-    found[i] = PeakNear(picked.peaks, time_ns, FinalTolerance(time_ns, calibration, picked.width));
+    found[i] = PeakNear(picked.peaks, time_ns,
+                        FinalTolerance(time_ns, alignment, calibration, picked.width));
   }
   return found;
 }
