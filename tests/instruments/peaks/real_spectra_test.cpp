@@ -89,6 +89,7 @@ TEST_F(RealSpectra, LadderIsMatchedToItsFirstIsotopesFromACalibrationThatIsOff) 
 }
 
 TEST_F(RealSpectra, LadderLeadsToTheRightAFromItsStrongestClusters) {
+  const auto spectrum = ReadSpectrum(LadderCase().file, LadderCase().bin_width_ns);
   for (const double a_factor : {0.99, 1.0, 1.01}) {
     for (const double t0_shift_ns : {-50.0, 50.0}) {
       for (const double allowed_error : {0.011, 0.02}) {
@@ -97,13 +98,12 @@ TEST_F(RealSpectra, LadderLeadsToTheRightAFromItsStrongestClusters) {
         RealCase ladder = LadderCase();
         ladder.start.coefficients[masstime::kA] *= a_factor / 1.01;
         ladder.start.coefficients[masstime::kT0] += t0_shift_ns - 50.0;
-        const auto spectrum = ReadSpectrum(ladder.file, ladder.bin_width_ns);
         const auto peaks =
             FindPeaks(spectrum, 30'371.0, 99'314.0, 31, ladder.start, ladder.Options());
         const double likely_a = LikelyA(ladder, peaks, allowed_error);
         EXPECT_NEAR(likely_a / 6.4813e-4, 1.0, 1.5e-3);
         ladder.start.coefficients[masstime::kA] = likely_a;
-        const auto found = FindIn(ladder, ladder.Options());
+        const auto found = FindIn(spectrum, ladder, ladder.Options());
         ASSERT_EQ(found.masses.size(), 29U);
         EXPECT_LT(
             masstime::FitTerms(found.Get(), ladder.start.window, 0b111, Weighting::kRelativeMass)
@@ -119,7 +119,7 @@ TEST_F(RealSpectra, StrongestClustersOfTheLadderHoldNearlyAllCalibrants) {
   const auto spectrum = ReadSpectrum(ladder.file, ladder.bin_width_ns);
   const auto peaks = FindPeaks(spectrum, 30'371.0, 99'314.0, 31, ladder.start, ladder.Options());
   std::size_t calibrants = 0;
-  for (const double time_ns : FindIn(ladder, ladder.Options()).times_ns) {
+  for (const double time_ns : FindIn(spectrum, ladder, ladder.Options()).times_ns) {
     calibrants +=
         static_cast<std::size_t>(std::count_if(peaks.begin(), peaks.end(), [&](const Peak& peak) {
           return std::abs(peak.time_ns - time_ns) < 0.01;

@@ -116,10 +116,13 @@ inline FoundCalibrants Found(std::span<const double> masses,
   return found;
 }
 
+inline FoundCalibrants FindIn(const spectra::Spectrum& spectrum, const RealCase& real,
+                              const FinderOptions& options) {
+  return Found(real.masses, FindCalibrants(spectrum, real.masses, real.start, kOwnWindow, options));
+}
+
 inline FoundCalibrants FindIn(const RealCase& real, const FinderOptions& options) {
-  const auto peaks = FindCalibrants(ReadSpectrum(real.file, real.bin_width_ns), real.masses,
-                                    real.start, kOwnWindow, options);
-  return Found(real.masses, peaks);
+  return FindIn(ReadSpectrum(real.file, real.bin_width_ns), real, options);
 }
 
 }  // namespace tof::peaks
