@@ -1,0 +1,20 @@
+// Files and numbers as they come in.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tof::spectra {
+
+// The bytes of a regular file. Raises an InputError when it can't be read to its end.
+std::string ReadWholeFile(const std::filesystem::path& path);
+
+// The number that the whole of `text` is, in the C locale: no blanks around it, no trailing text,
+// no NaN, no infinity, nothing that the type can't hold. A leading '+' is accepted.
+std::optional<double> ParseDouble(std::string_view text);
+std::optional<std::int32_t> ParseInt32(std::string_view text);
+
+}  // namespace tof::spectra
