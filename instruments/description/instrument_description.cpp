@@ -1,0 +1,19 @@
+#include "instruments/description/instrument_description.h"
+
+#include "component/automation/convert.h"
+
+namespace tof::description {
+namespace {
+
+constexpr std::int32_t kCalibrantListSetpoint = 117;
+
+}  // namespace
+
+std::vector<double> CalibrantMasses(const InstrumentDescription& description) {
+  const auto selector = description.setpoints.find(kCalibrantListSetpoint);
+  if (selector == description.setpoints.end()) return {};
+  const auto list = description.calibrants.find(ToInt32(selector->second.value));
+  return list == description.calibrants.end() ? std::vector<double>() : list->second;
+}
+
+}  // namespace tof::description

@@ -1,0 +1,72 @@
+// An instrument as one XML file describes it.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "component/automation/variant.h"
+#include "component/calibrator/collaborators.h"
+#include "component/calibrator/mass_time_library.h"
+#include "instruments/description/recorded_description.h"
+#include "instruments/description/virtual_description.h"
+
+namespace tof::description {
+
+struct Setpoint {
+  ValueType type = ValueType::kDouble;
+  Variant value;  // of that type
+};
+
+// The part of the flight-time axis that is recorded, in microseconds, and what goes with it.
+struct Acquisition {
+  std::int32_t start_us = 0;
+  std::int32_t end_us = 0;
+  double time_s = 0.0;        // what the instrument answers when it is asked for its time
+  double scale_factor = 1.0;  // multiplies the settings of the abundance band
+};
+
+// The named values that say whether the instrument is ready: it is when `nrdystate` is not negative
+// and `runstate` is 2.
+struct Status {
+  std::int32_t nrdystate = 0;
+  std::int32_t runstate = 2;
+};
+
+// What a calibration is called with unless the user says otherwise.
+struct RunDefaults {
+  std::int16_t spectra = 10;
+  double trad_weighting = -1.0;  // -1: not given
+  double peak_window = -1.0;     // per cent of the flight time; -1: taken from the settings
+};
+
+struct InstrumentDescription {
+  std::string name;
+  std::string configuration;  // suffix of the tune-specific settings
+  std::string mode;
+  bool mode_uses_rf_setpoints = true;  // 190 and 191; else the single setpoint 101
+  std::string base_folder = ".";       // log files go to its folder Logfiles
+
+  Acquisition acquisition;
+  Status status;
+  RunDefaults run;
+
+  std::map<std::string, std::map<std::string, double>> settings;  // by section and key
+  std::string aic_flag_key;                  // the flag whose value "No" allows AIC
+  std::map<std::string, std::string> flags;  // by key
+  std::map<std::int32_t, Setpoint> setpoints;
+
+  CoefficientRecord factory_coefficients{};                // in force at the start
+  std::optional<CoefficientRecord> default_coefficients;   // loaded when a calibration went wrong
+  std::map<std::int32_t, std::vector<double>> calibrants;  // m/z, by the value of setpoint 117
+
+  std::variant<VirtualDescription, RecordedDescription> source;
+};
+
+// The calibrant list that the present value of setpoint 117 selects; empty when there is none.
+std::vector<double> CalibrantMasses(const InstrumentDescription& description);
+
+}  // namespace tof::description

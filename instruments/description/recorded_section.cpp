@@ -1,0 +1,45 @@
+#include "instruments/description/recorded_section.h"
+
+#include <string>
+
+namespace tof::description {
+namespace {
+
+RecordedFile ReadFile(const XmlElement& element) {
+  RecordedFile file;
+  file.path = element.Text("file");
+  if (file.path.empty()) element.FailAt("file", "the name of a file");
+
+  const std::string format = element.TextOr("format", "text");
+  if (format != "text" && format != "mzml") element.FailAt("format", "text or mzml");
+  file.format = format == "mzml" ? SpectrumFormat::kMzml : SpectrumFormat::kText;
+
+  const std::string spectra = element.TextOr("spectra", "first");
+  if (spectra != "first" && spectra != "all") element.FailAt("spectra", "first or all");
+  file.which = spectra == "all" ? spectra::WhichSpectra::kAll : spectra::WhichSpectra::kFirst;
+  if (spectra == "all" && format == "text") {
+    element.FailAt("spectra", "first: a text file holds one spectrum");
+  }
+  return file;
+}
+
+}  // namespace
+
+RecordedDescription ReadRecordedSection(const XmlElement& instrument) {
+  const XmlElement element = instrument.Child(
+      "recorded",
+      {.attributes = {"time_offset_ns", "seconds_per_spectrum"}, .repeated = {"spectrum"}});
+  RecordedDescription description;
+  description.time_offset_ns = element.NumberOr("time_offset_ns", 0.0);
+  if (element.Has("seconds_per_spectrum")) {
+    description.seconds_per_spectrum = element.PositiveNumber("seconds_per_spectrum");
+  }
+  for (const XmlElement& child :
+       element.Children("spectrum", {.attributes = {"file", "format", "spectra"}})) {
+    description.files.push_back(ReadFile(child));
+  }
+  if (description.files.empty()) element.Fail("no element \"spectrum\"", "at least one");
+  return description;
+}
+
+}  // namespace tof::description
