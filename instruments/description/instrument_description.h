@@ -11,8 +11,8 @@
 #include "component/automation/variant.h"
 #include "component/calibrator/collaborators.h"
 #include "component/calibrator/mass_time_library.h"
-#include "instruments/description/recorded_description.h"
-#include "instruments/description/virtual_description.h"
+#include "instruments/recorded/recorded_files.h"
+#include "instruments/virtual/virtual_source.h"
 
 namespace tof::description {
 
@@ -63,7 +63,7 @@ struct InstrumentDescription {
   std::optional<CoefficientRecord> default_coefficients;   // loaded when a calibration went wrong
   std::map<std::int32_t, std::vector<double>> calibrants;  // m/z, by the value of setpoint 117
 
-  std::variant<VirtualDescription, RecordedDescription> source;
+  std::variant<virtual_instrument::VirtualSourceParameters, recorded::RecordedFiles> source;
 };
 
 // The calibrant list that the present value of setpoint 117 selects; empty when there is none.

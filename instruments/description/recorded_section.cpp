@@ -5,14 +5,15 @@
 namespace tof::description {
 namespace {
 
-RecordedFile ReadFile(const XmlElement& element) {
-  RecordedFile file;
+recorded::RecordedFile ReadFile(const XmlElement& element) {
+  recorded::RecordedFile file;
   file.path = element.Text("file");
   if (file.path.empty()) element.FailAt("file", "the name of a file");
 
   const std::string format = element.TextOr("format", "text");
   if (format != "text" && format != "mzml") element.FailAt("format", "text or mzml");
-  file.format = format == "mzml" ? SpectrumFormat::kMzml : SpectrumFormat::kText;
+  file.format =
+      format == "mzml" ? recorded::SpectrumFormat::kMzml : recorded::SpectrumFormat::kText;
 
   const std::string spectra = element.TextOr("spectra", "first");
   if (spectra != "first" && spectra != "all") element.FailAt("spectra", "first or all");
@@ -25,21 +26,21 @@ RecordedFile ReadFile(const XmlElement& element) {
 
 }  // namespace
 
-RecordedDescription ReadRecordedSection(const XmlElement& instrument) {
+recorded::RecordedFiles ReadRecordedSection(const XmlElement& instrument) {
   const XmlElement element = instrument.Child(
       "recorded",
       {.attributes = {"time_offset_ns", "seconds_per_spectrum"}, .repeated = {"spectrum"}});
-  RecordedDescription description;
-  description.time_offset_ns = element.NumberOr("time_offset_ns", 0.0);
+  recorded::RecordedFiles files;
+  files.time_offset_ns = element.NumberOr("time_offset_ns", 0.0);
   if (element.Has("seconds_per_spectrum")) {
-    description.seconds_per_spectrum = element.PositiveNumber("seconds_per_spectrum");
+    files.seconds_per_spectrum = element.PositiveNumber("seconds_per_spectrum");
   }
   for (const XmlElement& child :
        element.Children("spectrum", {.attributes = {"file", "format", "spectra"}})) {
-    description.files.push_back(ReadFile(child));
+    files.files.push_back(ReadFile(child));
   }
-  if (description.files.empty()) element.Fail("no element \"spectrum\"", "at least one");
-  return description;
+  if (files.files.empty()) element.Fail("no element \"spectrum\"", "at least one");
+  return files;
 }
 
 }  // namespace tof::description

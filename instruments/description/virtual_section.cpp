@@ -142,32 +142,32 @@ void ReadParameters(const XmlElement& element, Parameters& parameters) {
 
 }  // namespace
 
-VirtualDescription ReadVirtualSection(const XmlElement& instrument, double window_start_us,
-                                      double window_end_us) {
+VirtualSourceParameters ReadVirtualSection(const XmlElement& instrument, double window_start_us,
+                                           double window_end_us) {
   const XmlElement element = instrument.Child(
       "virtual",
       {.attributes = {"seed", "rf_setpoint", "setpoint_write_sec"},
        .once = {"analyzer", "spectrum", "detector", "drift", "flicker", "rf_guide", "settling"},
        .repeated = {"calibrant", "contaminant"}});
-  VirtualDescription description;
+  VirtualSourceParameters parameters;
   const std::int32_t seed = element.IntegerOr("seed", 1);
   if (seed < 0) element.FailAt("seed", "0 or a number above it");
-  description.seed = static_cast<std::uint64_t>(seed);
-  description.rf_setpoint = element.Integer("rf_setpoint");
-  description.setpoint_write_sec = element.NumberOr("setpoint_write_sec", 0.0);
-  if (description.setpoint_write_sec < 0.0) {
+  parameters.seed = static_cast<std::uint64_t>(seed);
+  parameters.rf_setpoint = element.Integer("rf_setpoint");
+  parameters.setpoint_write_sec = element.NumberOr("setpoint_write_sec", 0.0);
+  if (parameters.setpoint_write_sec < 0.0) {
     element.FailAt("setpoint_write_sec", "0 or a number above it");
   }
-  ReadParameters(element, description.parameters);
-  description.parameters.acquisition.window_start_us = window_start_us;
-  description.parameters.acquisition.window_end_us = window_end_us;
+  ReadParameters(element, parameters.physics);
+  parameters.physics.acquisition.window_start_us = window_start_us;
+  parameters.physics.acquisition.window_end_us = window_end_us;
   try {
-    Validate(description.parameters);
+    Validate(parameters.physics);
   } catch (const std::invalid_argument& error) {
     element.Fail(std::string("parameters that are refused (") + error.what() + ")",
                  "those of a possible instrument");
   }
-  return description;
+  return parameters;
 }
 
 }  // namespace tof::description

@@ -76,13 +76,13 @@ TEST(DescriptionReader, LetsSetpoint117SelectTheCalibrants) {
 
 TEST(DescriptionReader, ReadsRecordedFiles) {
   const InstrumentDescription description = Sample();
-  const auto& recorded = std::get<RecordedDescription>(description.source);
+  const auto& recorded = std::get<recorded::RecordedFiles>(description.source);
   EXPECT_EQ(recorded.time_offset_ns, 1.5);
   EXPECT_EQ(recorded.seconds_per_spectrum, 0.5);
   ASSERT_EQ(recorded.files.size(), 2u);
   EXPECT_EQ(recorded.files[0].path, "a.txt");
-  EXPECT_EQ(recorded.files[0].format, SpectrumFormat::kText);
-  EXPECT_EQ(recorded.files[1].format, SpectrumFormat::kMzml);
+  EXPECT_EQ(recorded.files[0].format, recorded::SpectrumFormat::kText);
+  EXPECT_EQ(recorded.files[1].format, recorded::SpectrumFormat::kMzml);
   EXPECT_EQ(recorded.files[1].which, spectra::WhichSpectra::kAll);
 }
 
@@ -122,11 +122,11 @@ TEST(DescriptionReader, ReadsTheVirtualInstrumentsParameters) {
         <contaminant mass='300' ions_per_pulse='0.25'/>
       </virtual></instrument>)",
       "v.xml");
-  const auto& source = std::get<VirtualDescription>(description.source);
+  const auto& source = std::get<virtual_instrument::VirtualSourceParameters>(description.source);
   EXPECT_EQ(source.seed, 7u);
   EXPECT_EQ(source.rf_setpoint, 83);
   EXPECT_EQ(source.setpoint_write_sec, 0.5);
-  const virtual_instrument::Parameters& p = source.parameters;
+  const virtual_instrument::Parameters& p = source.physics;
   EXPECT_EQ(p.analyzer.a_sqrt_u_per_ns, 0.001);
   EXPECT_EQ(p.analyzer.t0_ns, 5.0);
   EXPECT_EQ(p.analyzer.curvature_ppm, 3.0);

@@ -25,9 +25,9 @@ TEST(Examples, BuiltInInstrumentIsTheVirtualExample) {
 // separately.
 TEST(Examples, VirtualExampleLooksForTheIonsThatItMakes) {
   const InstrumentDescription description = BuiltInDescription();
-  const auto& source = std::get<VirtualDescription>(description.source);
+  const auto& source = std::get<virtual_instrument::VirtualSourceParameters>(description.source);
   std::vector<testing::Matcher<double>> made;
-  for (const virtual_instrument::Species& species : source.parameters.calibrants) {
+  for (const virtual_instrument::Species& species : source.physics.calibrants) {
     made.push_back(testing::DoubleNear(species.mass_u, 1e-5));
   }
   EXPECT_THAT(CalibrantMasses(description), testing::ElementsAreArray(made));
@@ -37,7 +37,8 @@ TEST(Examples, VirtualExampleLooksForTheIonsThatItMakes) {
 // set.
 TEST(Examples, VirtualExampleIsThePhysicsWithItsDefaults) {
   const InstrumentDescription description = BuiltInDescription();
-  const auto& example = std::get<VirtualDescription>(description.source).parameters;
+  const auto& example =
+      std::get<virtual_instrument::VirtualSourceParameters>(description.source).physics;
   const virtual_instrument::Parameters defaults;
   EXPECT_EQ(example.analyzer.a_sqrt_u_per_ns, defaults.analyzer.a_sqrt_u_per_ns);
   EXPECT_EQ(example.acquisition.window_end_us, defaults.acquisition.window_end_us);

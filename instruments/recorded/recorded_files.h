@@ -1,4 +1,4 @@
-// What the spectra of a recorded instrument are.
+// Which files a recorded instrument's spectra are in.
 #pragma once
 
 #include <filesystem>
@@ -6,7 +6,7 @@
 
 #include "instruments/spectra/mzml_reader.h"
 
-namespace tof::description {
+namespace tof::recorded {
 
 enum class SpectrumFormat { kText, kMzml };
 
@@ -16,10 +16,10 @@ struct RecordedFile {
   spectra::WhichSpectra which = spectra::WhichSpectra::kFirst;  // of an mzML file
 };
 
-struct RecordedDescription {
+struct RecordedFiles {
   std::vector<RecordedFile> files;  // at least one; acquired in this order, round and round
   double time_offset_ns = 0.0;      // added to every flight time of the files
   double seconds_per_spectrum = 1.0;
 };
 
-}  // namespace tof::description
+}  // namespace tof::recorded

@@ -1,0 +1,61 @@
+#include "instruments/virtual/virtual_source.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "component/automation/convert.h"
+#include "component/automation/error.h"
+
+namespace tof::virtual_instrument {
+
+VirtualSource::VirtualSource(VirtualSourceParameters parameters, const InitialSetpoints& initial,
+                             std::shared_ptr<spectra::InstrumentClock> clock)
+    : physics_(std::move(parameters.physics), parameters.seed),
+      rf_setpoint_(parameters.rf_setpoint),
+      setpoint_write_sec_(parameters.setpoint_write_sec),
+      rf_volts_(initial.rf_volts, physics_.parameters().settling.time_constant_sec),
+      gain_channel_(initial.gain_channel),
+      clock_(std::move(clock)) {}
+
+spectra::SpectrumSource::SpectrumPtr VirtualSource::Take() {
+  const double now_sec = clock_->Seconds();
+  try {
+    return std::make_shared<const spectra::Spectrum>(
+        physics_.Acquire(now_sec, rf_volts_.At(now_sec), ToInt32(gain_channel_)));
+  } catch (const std::invalid_argument& error) {
+    throw AutomationError(static_cast<std::int32_t>(RunTimeError::kInvalidCall), error.what());
+  }
+}
+
+spectra::SpectrumSource::SpectrumPtr VirtualSource::Acquire() {
+  SpectrumPtr spectrum = Take();
+  clock_->Advance(physics_.parameters().acquisition.spectrum_duration_sec);
+  drift_sum_ppm_ += physics_.drift_ppm();
+  ++acquired_;
+  return spectrum;
+}
+
+spectra::SpectrumSource::SpectrumPtr VirtualSource::Newest() {
+  return Take();
+}
+
+void VirtualSource::SetpointWritten(std::int32_t id, double value) {
+  clock_->Advance(setpoint_write_sec_);
+  if (id == rf_setpoint_) rf_volts_.Set(value, clock_->Seconds());
+  if (id == kGainChannelSetpoint) gain_channel_ = value;
+}
+
+std::optional<double> VirtualSource::TrueValue(std::int32_t id) const {
+  if (id != rf_setpoint_) return std::nullopt;
+  return rf_volts_.At(clock_->Seconds());
+}
+
+double VirtualSource::BinWidthNs() const {
+  return physics_.parameters().acquisition.bin_ns;
+}
+
+double VirtualSource::MeanDriftPpm() const {
+  return acquired_ == 0 ? 0.0 : drift_sum_ppm_ / static_cast<double>(acquired_);
+}
+
+}  // namespace tof::virtual_instrument
