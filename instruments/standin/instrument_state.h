@@ -1,0 +1,69 @@
+// What the collaborators of one instrument share.
+#pragma once
+
+#include <atomic>
+#include <limits>
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "component/calibrator/host_services.h"
+#include "instruments/description/instrument_description.h"
+#include "instruments/masstime/mass_time_model.h"
+#include "instruments/spectra/instrument_clock.h"
+#include "instruments/spectra/spectrum_source.h"
+#include "instruments/standin/operation_gate.h"
+
+namespace tof::standin {
+
+// Where a fit begins, as the calibrator estimated it.
+struct StartingValues {
+  double a_per_ns = 0.0;
+  double t0_ns = 0.0;
+};
+
+// Coefficients with the record that travels with them.
+struct Calibration {
+  CoefficientRecord coefficients{};
+  CalInfo info;
+};
+
+struct InstrumentState {
+  // Never written after the instrument was made.
+  description::InstrumentDescription description;
+  HostServices& host;
+  std::shared_ptr<spectra::InstrumentClock> clock;
+  std::shared_ptr<spectra::SpectrumSource> source;
+  double abort_after_sec = std::numeric_limits<double>::infinity();  // on the instrument's clock
+
+  // Written by: every operation, first thing.  Read by: the host, for its report.
+  OperationGate gate;
+
+  // Written by: the setpoint table.  Read by: the table, the acquisition controller, the host.
+  std::map<std::int32_t, description::Setpoint> setpoints;
+
+  // Written by: AcqController.SetCalibCoefficients, which ends the starting values.
+  // Read by: the acquisition controller; the parser, to know where peaks are.
+  Calibration in_force;
+
+  // Written by: AcqController.SetLikelyAAndT0.  Read by: as the coefficients in force.
+  std::optional<StartingValues> starting = {};
+
+  // Written by: the spectrum display.  Read by: the host.
+  bool display_is_live = true;
+
+  // Written by: the host, also from a signal handler.  Read by: AcqController.IsAbortRequested.
+  std::atomic<bool> abort_requested = false;
+};
+
+// The recorded part of the flight-time axis.
+masstime::AcquisitionWindow WindowOf(const InstrumentState& state);
+
+// The coefficients in force, with the starting A and t0 in place of their own when there are any;
+// the higher terms belong to the old A and t0 and are then 0.
+Calibration StartingCalibration(const InstrumentState& state);
+
+// The value of a setpoint. Raises error 5, naming the id, for one that the instrument doesn't have.
+const description::Setpoint& SetpointOf(const InstrumentState& state, std::int32_t id);
+
+}  // namespace tof::standin
