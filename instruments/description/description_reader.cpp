@@ -124,8 +124,20 @@ CoefficientRecord ReadCoefficientRecord(const XmlElement& coefficients, const ch
   return record;
 }
 
+masstime::Weighting ReadWeighting(const XmlElement& coefficients, const char* attribute) {
+  const std::string text = coefficients.TextOr(attribute, "relative_mass");
+  if (text == "relative_mass") return masstime::Weighting::kRelativeMass;
+  if (text == "flight_time") return masstime::Weighting::kFlightTime;
+  if (text == "absolute_mass") return masstime::Weighting::kAbsoluteMass;
+  coefficients.FailAt(attribute, "relative_mass, flight_time or absolute_mass");
+}
+
 void ReadCoefficients(const XmlElement& instrument, InstrumentDescription& description) {
-  const XmlElement element = instrument.Child("coefficients", {.once = {"factory", "default"}});
+  const XmlElement element = instrument.Child(
+      "coefficients",
+      {.attributes = {"trad_weighting", "poly_weighting"}, .once = {"factory", "default"}});
+  description.trad_weighting = ReadWeighting(element, "trad_weighting");
+  description.poly_weighting = ReadWeighting(element, "poly_weighting");
   description.factory_coefficients = ReadCoefficientRecord(element, "factory");
   if (element.HasChild("default")) {
     description.default_coefficients = ReadCoefficientRecord(element, "default");

@@ -11,6 +11,7 @@
 #include "component/automation/variant.h"
 #include "component/calibrator/collaborators.h"
 #include "component/calibrator/mass_time_library.h"
+#include "instruments/masstime/fit.h"
 #include "instruments/recorded/recorded_files.h"
 #include "instruments/virtual/virtual_source.h"
 
@@ -60,6 +61,8 @@ struct InstrumentDescription {
   std::map<std::int32_t, Setpoint> setpoints;
 
   CoefficientRecord factory_coefficients{};                // in force at the start
+  masstime::Weighting trad_weighting{};                    // of a fit of A and t0 alone
+  masstime::Weighting poly_weighting{};                    // of a fit with higher terms
   std::optional<CoefficientRecord> default_coefficients;   // loaded when a calibration went wrong
   std::map<std::int32_t, std::vector<double>> calibrants;  // m/z, by the value of setpoint 117
 

@@ -49,8 +49,9 @@ double StandInAcqController::GetCurrentA() {
 
 std::shared_ptr<MassCalCoefficients> StandInAcqController::GetDefaultCalibCoefficients() {
   state_->gate.Enter(Operation::kAcqControllerGetDefaultCalibCoefficients);
-  if (!state_->description.default_coefficients) return nullptr;
-  return MakeCoefficients(state_, {*state_->description.default_coefficients, {}});
+  const description::InstrumentDescription& description = state_->description;
+  if (!description.default_coefficients) return nullptr;
+  return MakeCoefficients(state_, {*description.default_coefficients, CalInfoOf(description)});
 }
 
 void StandInAcqController::SetCalibCoefficients(

@@ -5,6 +5,7 @@
 #include <variant>
 
 #include "component/automation/convert.h"
+#include "instruments/masstime/stored_peak_list.h"
 #include "instruments/recorded/recorded_source.h"
 #include "instruments/standin/acq_controller.h"
 #include "instruments/standin/calib_log_files.h"
@@ -13,7 +14,6 @@
 #include "instruments/standin/data_dictionary.h"
 #include "instruments/standin/firmware_library.h"
 #include "instruments/standin/instrument_paths.h"
-#include "instruments/standin/peak_list.h"
 #include "instruments/standin/spec_parser.h"
 #include "instruments/standin/tune_flags.h"
 
@@ -48,7 +48,7 @@ StandInInstrument::StandInInstrument(InstrumentDescription description,
                                      std::shared_ptr<spectra::InstrumentClock> clock) {
   auto source = MakeSource(description, options, clock);
   auto setpoints = description.setpoints;
-  const Calibration factory{description.factory_coefficients, {}};
+  const Calibration factory{description.factory_coefficients, CalInfoOf(description)};
   state_ = std::shared_ptr<InstrumentState>(new InstrumentState{
       .description = std::move(description),
       .host = host,
@@ -95,7 +95,7 @@ std::shared_ptr<FirmwareLibrary> StandInInstrument::GetFirmwareLibrary() {
 }
 
 std::shared_ptr<PeakList> StandInInstrument::CreatePeakList() {
-  return std::make_shared<masstime::StandInPeakList>();
+  return std::make_shared<masstime::StoredPeakList>();
 }
 
 std::shared_ptr<MassCalCoefficients> StandInInstrument::CreateMassCalCoefficients() {

@@ -6,6 +6,13 @@
 
 namespace tof::standin {
 
+CalInfo CalInfoOf(const description::InstrumentDescription& description) {
+  CalInfo info;
+  info.TradWeighting = static_cast<std::int32_t>(description.trad_weighting);
+  info.PolyWeighting = static_cast<std::int32_t>(description.poly_weighting);
+  return info;
+}
+
 masstime::AcquisitionWindow WindowOf(const InstrumentState& state) {
   constexpr double kNsPerUs = 1000.0;
   const description::Acquisition& acquisition = state.description.acquisition;

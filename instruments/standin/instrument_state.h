@@ -56,6 +56,9 @@ struct InstrumentState {
   std::atomic<bool> abort_requested = false;
 };
 
+// The record that travels with coefficients of this instrument that no one has changed yet.
+CalInfo CalInfoOf(const description::InstrumentDescription& description);
+
 // The recorded part of the flight-time axis.
 masstime::AcquisitionWindow WindowOf(const InstrumentState& state);
 

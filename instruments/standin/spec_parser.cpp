@@ -8,8 +8,8 @@
 
 #include "component/automation/convert.h"
 #include "component/automation/error.h"
+#include "instruments/masstime/stored_peak_list.h"
 #include "instruments/peaks/peak_finder.h"
-#include "instruments/standin/peak_list.h"
 
 namespace tof::standin {
 namespace {
@@ -84,7 +84,7 @@ void StandInSpecParser::FindPeaks(double start_ns, double end_ns, std::int32_t p
     return peaks::FindPeaks(*state_->source->Newest(), start_ns, end_ns,
                             static_cast<std::size_t>(peaks_sought), ModelOf(*state_));
   });
-  auto result = std::make_shared<masstime::StandInPeakList>();
+  auto result = std::make_shared<masstime::StoredPeakList>();
   for (const peaks::Peak& peak : found) {
     PeakRecord record;
     record.position = peak.time_ns;

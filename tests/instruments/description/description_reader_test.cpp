@@ -61,6 +61,8 @@ TEST(DescriptionReader, ReadsCoefficientsAndTakesAbsentTermsAsZero) {
               ElementsAre(0.00065, -43.5, 0.001, 0.0, 0.0, 0.0, 0.0, -0.5));
   ASSERT_TRUE(description.default_coefficients);
   EXPECT_EQ(description.default_coefficients->at(0), 0.00066);
+  EXPECT_EQ(description.trad_weighting, masstime::Weighting::kFlightTime);
+  EXPECT_EQ(description.poly_weighting, masstime::Weighting::kAbsoluteMass);
 }
 
 TEST(DescriptionReader, LetsSetpoint117SelectTheCalibrants) {
@@ -100,6 +102,7 @@ TEST(DescriptionReader, NeedsNothingButNameWindowCoefficientsAndSource) {
   EXPECT_GE(description.status.nrdystate, 0);
   EXPECT_EQ(description.status.runstate, 2);
   EXPECT_FALSE(description.default_coefficients);
+  EXPECT_EQ(description.poly_weighting, masstime::Weighting::kRelativeMass);
 }
 
 TEST(DescriptionReader, ReadsTheVirtualInstrumentsParameters) {

@@ -87,6 +87,9 @@ INSTANTIATE_TEST_SUITE_P(
                 "d.xml:22:6: found id=\"149\", expected each id once"},
         Spoiled{"NegativeA", "a_per_ns=\"0.00065\"", "a_per_ns=\"-1\"",
                 "d.xml:25:6: found a_per_ns=\"-1\", expected a number above 0"},
+        Spoiled{"UnknownWeighting", "\"flight_time\"", "\"1\"",
+                "d.xml:24:4: found trad_weighting=\"1\", expected relative_mass, flight_time or "
+                "absolute_mass"},
         Spoiled{"NegativeMass", "200.25", "-200.25",
                 "d.xml:30:6: found mass -200.250000, expected masses above 0"},
         Spoiled{"TextAsMass", "200.25", "heavy",

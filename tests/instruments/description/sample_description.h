@@ -30,7 +30,7 @@ inline const std::string kSampleDescription =
     <setpoint id="150" type="boolean" value="true"/>
     <setpoint id="83" type="double" value="75.5"/>
   </setpoints>
-  <coefficients>
+  <coefficients trad_weighting="flight_time" poly_weighting="absolute_mass">
     <factory a_per_ns="0.00065" t0_ns="-43.5" c="0.001" h="-0.5"/>
     <default a_per_ns="0.00066" t0_ns="1"/>
   </coefficients>
