@@ -1,0 +1,65 @@
+// What a calibration came to, for the people and programs that read it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "component/calibrator/mass_time_library.h"
+
+namespace tof::cli {
+
+// One expected mass. What is not known is absent: a mass whose peak was not found has no time.
+struct MassRow {
+  double expected = 0.0;  // m/z
+  std::optional<double> time_ns;
+  std::optional<double> calculated;  // m/z that the new coefficients give the time
+  std::optional<double> error_ppm;
+  std::optional<double> voltage;
+  std::optional<double> abundance;
+};
+
+// True errors, which only a virtual instrument knows; `common` is the mean over the masses.
+struct TruthFigures {
+  double rms_ppm = 0.0;
+  double common_ppm = 0.0;
+  double mass_dependent_ppm = 0.0;
+  double max_ppm = 0.0;
+};
+struct Truth {
+  TruthFigures at_calibration;
+  TruthFigures in_band;
+  TruthFigures weak;
+  double limit_ppm = 0.0;  // what the ion statistics allow
+};
+
+// How often the instrument was asked.
+struct Counts {
+  std::int64_t spectra = 0;
+  std::int64_t setpoint_writes = 0;
+  std::int64_t setpoint_reads = 0;
+  std::int64_t settle_calls = 0;
+  std::int64_t settle_slices = 0;
+};
+
+struct CalibrationReport {
+  bool ok = false;
+  bool skipped = false;  // the instrument's flags told the calibrator not to calibrate
+  std::int32_t status_number = 0;
+  std::string status_message;
+  bool aic = false;
+  std::vector<MassRow> masses;
+  std::optional<CoefficientRecord> coefficients;  // in force at the end of a good calibration
+  std::vector<std::string> terms;                 // fitted ones, "A", "t0", "C", ...
+  std::optional<double> rms_ppm;
+  std::optional<double> max_ppm;
+  std::optional<double> loo_ppm;
+  std::optional<Truth> truth;
+  Counts counts;
+  double instrument_seconds = 0.0;
+  double wall_seconds = 0.0;
+  std::vector<std::string> files;
+};
+
+}  // namespace tof::cli

@@ -1,0 +1,225 @@
+#include "hosts/cli/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <limits>
+
+#include "hosts/cli/masses.h"
+#include "instruments/spectra/input_error.h"
+#include "instruments/spectra/input_file.h"
+
+namespace tof::cli {
+namespace {
+
+using spectra::InputError;
+using spectra::Quoted;
+
+// Options stay text until here, so that every complaint about a value has one form.
+double NumberOption(const std::string& name, const std::string& text) {
+  const std::optional<double> value = spectra::ParseDouble(text);
+  if (!value) throw InputError({name}, Quoted(text), "a finite number");
+  return *value;
+}
+
+double PositiveNumberOption(const std::string& name, const std::string& text) {
+  const std::optional<double> value = spectra::ParseDouble(text);
+  if (!value || *value <= 0.0) throw InputError({name}, Quoted(text), "a positive number");
+  return *value;
+}
+
+std::int32_t WholeNumberOption(const std::string& name, std::string_view text, std::int32_t lowest,
+                               std::int32_t highest) {
+  const std::optional<std::int32_t> value = spectra::ParseInt32(text);
+  if (value && *value >= lowest && *value <= highest) return *value;
+  throw InputError(
+      {name}, Quoted(text),
+      "a whole number from " + std::to_string(lowest) + " to " + std::to_string(highest));
+}
+
+FaultOption FaultOf(const std::string& text) {
+  const std::size_t colon = text.rfind(':');
+  const std::size_t point = text.find('.');
+  if (colon == std::string::npos || point == std::string::npos || point == 0 || point > colon) {
+    throw InputError({"--fail"}, Quoted(text), "Collaborator.Operation:N");
+  }
+  return {text.substr(0, colon),
+          WholeNumberOption("--fail", std::string_view(text).substr(colon + 1), 1,
+                            std::numeric_limits<std::int32_t>::max())};
+}
+
+// Declares options and turns their texts into values once the command line is read.
+class OptionTable {
+ public:
+  explicit OptionTable(CLI::App& app) : app_(app) {}
+
+  // `store` receives the option's text when it was given.
+  template <class Store>
+  void Value(const std::string& name, const std::string& placeholder, const std::string& help,
+             Store store) {
+    CLI::Option* const option = app_.add_option(name, help)->type_name(placeholder);
+    stores_.push_back([option, store] {
+      if (option->count() > 0) store(option->as<std::string>());
+    });
+  }
+  void Text(const std::string& name, const std::string& placeholder, const std::string& help,
+            std::string& text) {
+    app_.add_option(name, text, help)->type_name(placeholder);
+  }
+  void Repeatable(const std::string& name, const std::string& placeholder, const std::string& help,
+                  std::vector<std::string>& texts) {
+    app_.add_option(name, texts, help)
+        ->type_name(placeholder)
+        ->type_size(1)
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  }
+  void Flag(const std::string& name, const std::string& help, bool& flag) {
+    app_.add_flag(name, flag, help);
+  }
+
+  void StoreValues() const {
+    for (const auto& store : stores_) store();
+  }
+
+ private:
+  CLI::App& app_;
+  std::vector<std::function<void()>> stores_;
+};
+
+void DeclareRun(OptionTable& table, CalibrateOptions& options) {
+  table.Text("--instrument", "FILE.xml", "The instrument (default: the built-in virtual one)",
+             options.instrument);
+  table.Text("--data", "DIR", "Folder that a recorded instrument's file names are relative to",
+             options.data_folder);
+  table.Value("--spectra", "N", "Spectra averaged per mass, 1 to 32767 (default: 10)",
+              [&options](const std::string& text) {
+                options.spectra =
+                    static_cast<std::int16_t>(WholeNumberOption("--spectra", text, 1, 32767));
+              });
+  table.Value(
+      "--masses", "M1,M2,...", "Expected masses (default: the instrument's calibrants)",
+      [&options](const std::string& text) { options.masses = ParseMassList(text, "--masses"); });
+  table.Flag("--suppress-aic", "No abundance-immune calibration", options.suppress_aic);
+  table.Flag("--manual", "Calibrate even where autotunes skip it", options.manual);
+  table.Value("--trad-weighting", "X", "0 or 1: fit the higher terms too; else A and t0 only",
+              [&options](const std::string& text) {
+                options.trad_weighting = NumberOption("--trad-weighting", text);
+              });
+  table.Value("--peak-window", "X", "Where peaks are sought, per cent of the flight time",
+              [&options](const std::string& text) {
+                options.peak_window = PositiveNumberOption("--peak-window", text);
+              });
+}
+
+void DeclareInstrumentChanges(OptionTable& table, CalibrateOptions& options) {
+  table.Repeatable("--set", "Section/Key=V", "Changes a setting of the instrument",
+                   options.settings);
+  table.Repeatable("--flag", "Key=V", "Changes a flag of the instrument", options.flags);
+  table.Repeatable("--setpoint", "ID=V", "Changes a setpoint of the instrument", options.setpoints);
+  table.Flag("--real-time", "Really wait (default: a virtual clock)", options.real_time);
+  table.Value("--seed", "N", "Seed of everything random (default: the instrument's)",
+              [&options](const std::string& text) {
+                options.seed = static_cast<std::uint32_t>(
+                    WholeNumberOption("--seed", text, 0, std::numeric_limits<std::int32_t>::max()));
+              });
+  table.Value("--abort-after", "SECONDS", "The user asks for an abort after this instrument time",
+              [&options](const std::string& text) {
+                const double seconds = NumberOption("--abort-after", text);
+                if (seconds < 0.0) throw InputError({"--abort-after"}, Quoted(text), "0 or more");
+                options.abort_after_seconds = seconds;
+              });
+  table.Value("--fail", "OPERATION:N",
+              "The Nth call of an operation fails (SpecParser.FindPeaks:1)",
+              [&options](const std::string& text) { options.fault = FaultOf(text); });
+}
+
+void DeclareOutput(OptionTable& table, CalibrateOptions& options) {
+  table.Value("--base-folder", "DIR", "Log files go to DIR/Logfiles, which is made",
+              [&options](const std::string& text) { options.base_folder = text; });
+  table.Text("--trace", "FILE", "Writes the trace, one line a call", options.trace_file);
+  table.Text("--json", "FILE|-", "Writes the result for machines; - is standard output",
+             options.json_file);
+}
+
+void DeclareFit(OptionTable& table, FitOptions& options) {
+  table.Text("pairs", "FILE", "Masses and times: two columns, mass time_ns", options.pairs_file);
+  table.Text("--masses", "FILE|M1,M2,...", "Masses whose peaks are sought in --spectrum",
+             options.masses);
+  table.Text("--spectrum", "FILE", "Spectrum: text of two columns (time_ns intensity) or .mzML",
+             options.spectrum);
+  table.Value("--A", "X", "Where to look: A in sqrt(u) per ns",
+              [&options](const std::string& text) {
+                options.a_per_ns = PositiveNumberOption("--A", text);
+              });
+  table.Value("--t0", "X", "Where to look: t0 in ns",
+              [&options](const std::string& text) { options.t0_ns = NumberOption("--t0", text); });
+  table.Value("--terms", "N|auto",
+              "Terms beyond A and t0, 0 to 6, or chosen by leave-one-out (auto)",
+              [&options](const std::string& text) {
+                if (text == "auto") return;
+                options.terms = WholeNumberOption("--terms", text, 0, 6);
+              });
+  table.Value("--weighting", "0|1|2",
+              "0: relative mass (default), 1: flight time, 2: absolute mass",
+              [&options](const std::string& text) {
+                options.weighting = WholeNumberOption("--weighting", text, 0, 2);
+              });
+  table.Text("--json", "FILE|-", "Writes the result for machines; - is standard output",
+             options.json_file);
+}
+
+void CheckFit(const FitOptions& options) {
+  const bool with_spectrum = !options.spectrum.empty();
+  if (options.pairs_file.empty() != with_spectrum) {
+    throw UsageError("fit: give either a file of masses and times, or --spectrum with --masses");
+  }
+  if (!with_spectrum) {
+    if (!options.masses.empty() || options.a_per_ns || options.t0_ns) {
+      throw UsageError("fit: --masses, --A and --t0 go with --spectrum");
+    }
+    return;
+  }
+  if (options.masses.empty()) throw UsageError("fit: --spectrum needs --masses");
+  if (!options.a_per_ns || !options.t0_ns) {
+    throw UsageError("fit: --spectrum needs --A and --t0, which say where the peaks are sought");
+  }
+}
+
+}  // namespace
+
+Command ParseCommandLine(int argc, const char* const* argv) {
+  CLI::App app("Calibrates the mass axis of a time-of-flight mass spectrometer.", "tofcal");
+  app.set_version_flag("--version", "tofcal " TOF_VERSION);
+  app.require_subcommand(1);
+
+  CLI::App& calibrate = *app.add_subcommand("calibrate", "Calibrates an instrument");
+  CalibrateOptions calibrate_options;
+  OptionTable calibrate_table(calibrate);
+  DeclareRun(calibrate_table, calibrate_options);
+  DeclareInstrumentChanges(calibrate_table, calibrate_options);
+  DeclareOutput(calibrate_table, calibrate_options);
+
+  CLI::App& fit = *app.add_subcommand("fit", "Fits coefficients to masses and flight times");
+  FitOptions fit_options;
+  OptionTable fit_table(fit);
+  DeclareFit(fit_table, fit_options);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    return TextRequest{app.help()};
+  } catch (const CLI::CallForVersion&) {
+    return TextRequest{app.version() + "\n"};
+  } catch (const CLI::ParseError& error) {
+    throw UsageError(error.what());
+  }
+
+  if (calibrate.parsed()) {
+    calibrate_table.StoreValues();
+    return calibrate_options;
+  }
+  fit_table.StoreValues();
+  CheckFit(fit_options);
+  return fit_options;
+}
+
+}  // namespace tof::cli

@@ -1,0 +1,44 @@
+// The program tofcal.
+#include <exception>
+#include <iostream>
+#include <variant>
+
+#include "hosts/cli/command_line.h"
+#include "hosts/cli/exit_code.h"
+#include "hosts/cli/run_fit.h"
+#include "instruments/spectra/input_error.h"
+
+namespace {
+
+using tof::cli::ExitCode;
+
+ExitCode Run(const tof::cli::TextRequest& request) {
+  std::cout << request.text;
+  return tof::cli::kDone;
+}
+
+ExitCode Run(const tof::cli::FitOptions& options) {
+  return tof::cli::RunFit(options, std::cout, std::cerr);
+}
+
+ExitCode Run(const tof::cli::CalibrateOptions&) {
+  return tof::cli::kFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return std::visit([](const auto& request) { return Run(request); },
+                      tof::cli::ParseCommandLine(argc, argv));
+  } catch (const tof::cli::UsageError& error) {
+    std::cerr << "tofcal: " << error.what() << "\ntofcal --help shows what can be asked\n";
+    return tof::cli::kBadInput;
+  } catch (const tof::spectra::InputError& error) {
+    std::cerr << "tofcal: " << error.what() << '\n';
+    return tof::cli::kBadInput;
+  } catch (const std::exception& error) {
+    std::cerr << "tofcal: " << error.what() << '\n';
+    return tof::cli::kFailed;
+  }
+}

@@ -1,0 +1,51 @@
+// What a user asks of the program.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tof::cli {
+
+// The `nth` call of an operation fails, e.g. "SpecParser.FindPeaks", 2.
+struct FaultOption {
+  std::string operation;
+  std::int32_t nth = 1;  // from 1
+};
+
+// Anything left out is the instrument description's own.
+struct CalibrateOptions {
+  std::string instrument;  // path of the description; empty: the built-in virtual instrument
+  std::string data_folder;
+  std::optional<std::int16_t> spectra;  // from 1
+  std::vector<double> masses;           // m/z, finite and positive; empty: the calibrant list
+  bool suppress_aic = false;
+  bool manual = false;
+  std::optional<double> trad_weighting;
+  std::optional<double> peak_window;   // per cent of the flight time
+  std::vector<std::string> settings;   // "Section/Key=Value"
+  std::vector<std::string> flags;      // "Key=Value"
+  std::vector<std::string> setpoints;  // "Id=Value"
+  std::optional<std::string> base_folder;
+  std::string trace_file;
+  std::string json_file;  // "-": standard output
+  bool real_time = false;
+  std::optional<std::uint32_t> seed;
+  std::optional<double> abort_after_seconds;  // of instrument time
+  std::optional<FaultOption> fault;
+};
+
+// Times come from `pairs_file`, or from the peaks of `spectrum` at `masses`.
+struct FitOptions {
+  std::string pairs_file;
+  std::string masses;  // a list, or the path of a file with one mass a line
+  std::string spectrum;
+  std::optional<double> a_per_ns;  // where to look for the peaks
+  std::optional<double> t0_ns;
+  int weighting = 0;         // as in the calibration information record
+  std::optional<int> terms;  // number of terms beyond A and t0; none: chosen by leave-one-out
+  std::string json_file;     // "-": standard output
+};
+
+}  // namespace tof::cli

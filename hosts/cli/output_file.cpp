@@ -1,0 +1,56 @@
+#include "hosts/cli/output_file.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+#include <utility>
+
+#include "instruments/spectra/input_error.h"
+
+namespace tof::cli {
+namespace {
+
+// Where to write for `path`. A device or a pipe is written itself: it has no earlier content, and
+// must not be replaced by a file.
+std::filesystem::path PartOf(std::filesystem::path path) {
+  std::error_code no_status;
+  const auto status = std::filesystem::status(path, no_status);
+  if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) return path;
+  path += ".part";
+  return path;
+}
+
+}  // namespace
+
+OutputFile::OutputFile(std::filesystem::path path) : path_(std::move(path)), part_(PartOf(path_)) {
+  std::error_code no_status;
+  if (std::filesystem::is_directory(path_, no_status)) {
+    throw spectra::InputError({path_.string()}, "a folder", "a file that can be written");
+  }
+  errno = 0;
+  file_.open(part_, std::ios::binary);
+  if (!file_) Fail();
+}
+
+OutputFile::~OutputFile() {
+  file_.close();
+  if (committed_ || part_ == path_) return;
+  std::error_code nothing_to_do_about_it;
+  std::filesystem::remove(part_, nothing_to_do_about_it);
+}
+
+void OutputFile::Commit(const std::string& content) {
+  errno = 0;
+  file_ << content;
+  file_.close();
+  if (!file_) Fail();
+  if (part_ != path_ && std::rename(part_.c_str(), path_.c_str()) != 0) Fail();
+  committed_ = true;
+}
+
+void OutputFile::Fail() const {
+  throw spectra::InputError({path_.string()}, std::generic_category().message(errno),
+                            "a file that can be written");
+}
+
+}  // namespace tof::cli
