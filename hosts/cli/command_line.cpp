@@ -189,7 +189,7 @@ void CheckFit(const FitOptions& options) {
 Command ParseCommandLine(int argc, const char* const* argv) {
   CLI::App app("Calibrates the mass axis of a time-of-flight mass spectrometer.", "tofcal");
   app.set_version_flag("--version", "tofcal " TOF_VERSION);
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);  // none has a message of its own
 
   CLI::App& calibrate = *app.add_subcommand("calibrate", "Calibrates an instrument");
   CalibrateOptions calibrate_options;
@@ -217,6 +217,7 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     calibrate_table.StoreValues();
     return calibrate_options;
   }
+  if (!fit.parsed()) throw UsageError("nothing to do: expected calibrate or fit");
   fit_table.StoreValues();
   CheckFit(fit_options);
   return fit_options;
