@@ -7,8 +7,8 @@
 
 namespace tof::native {
 
-void NativeHost::Sleep(std::int32_t milliseconds) {
-  if (milliseconds > 0) std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+void NativeHost::Wait(std::int32_t milliseconds) {
+  std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
 DateTime NativeHost::Now() {

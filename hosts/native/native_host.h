@@ -11,11 +11,12 @@ class NativeHost : public PortableHost {
  public:
   explicit NativeHost(std::ostream& messages) : PortableHost(messages) {}
 
-  void Sleep(std::int32_t milliseconds) override;  // not at all for 0 or less
-  DateTime Now() override;                         // the machine's local time
-  std::uint32_t RandomSeed() override;             // from the machine's clock
+  DateTime Now() override;              // the machine's local time
+  std::uint32_t RandomSeed() override;  // from the machine's clock
 
  private:
+  void Wait(std::int32_t milliseconds) override;
+
   std::uint32_t seeds_given_ = 0;
 };
 

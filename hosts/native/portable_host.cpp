@@ -16,6 +16,16 @@ void PortableHost::RegisterObject(const std::string& prog_id, ObjectCreator crea
   creators_[prog_id] = std::move(creator);
 }
 
+std::int64_t PortableHost::SleepsOf(std::int32_t milliseconds) const {
+  const auto found = sleeps_.find(milliseconds);
+  return found == sleeps_.end() ? 0 : found->second;
+}
+
+void PortableHost::Sleep(std::int32_t milliseconds) {
+  ++sleeps_[milliseconds];
+  if (milliseconds > 0) Wait(milliseconds);
+}
+
 void PortableHost::ProcessPendingMessages() {}
 
 std::string PortableHost::DateTimeText(const DateTime& moment) {

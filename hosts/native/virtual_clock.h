@@ -1,15 +1,15 @@
-// The time of a simulated run. Host and instrument share one clock: the host lets it run on when
-// the calibrator sleeps, the instrument when a spectrum is taken.
+// The time of a simulated run.
 #pragma once
+
+#include "instruments/spectra/instrument_clock.h"
 
 namespace tof::native {
 
-class VirtualClock {
+// Counts, and waits for nothing.
+class VirtualClock : public spectra::InstrumentClock {
  public:
-  // Seconds since the start of the run.
-  double Seconds() const { return seconds_; }
-  // A clock never runs backwards: 0 and less do nothing.
-  void Advance(double seconds) {
+  double Seconds() const override { return seconds_; }
+  void Advance(double seconds) override {
     if (seconds > 0.0) seconds_ += seconds;
   }
 

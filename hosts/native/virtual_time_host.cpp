@@ -8,11 +8,12 @@
 
 namespace tof::native {
 
-VirtualTimeHost::VirtualTimeHost(std::ostream& messages, std::shared_ptr<VirtualClock> clock,
+VirtualTimeHost::VirtualTimeHost(std::ostream& messages,
+                                 std::shared_ptr<spectra::InstrumentClock> clock,
                                  std::uint32_t seed)
     : PortableHost(messages), clock_(std::move(clock)), seeds_(seed) {}
 
-void VirtualTimeHost::Sleep(std::int32_t milliseconds) {
+void VirtualTimeHost::Wait(std::int32_t milliseconds) {
   clock_->Advance(milliseconds / 1000.0);
 }
 

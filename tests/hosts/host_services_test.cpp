@@ -7,6 +7,8 @@
 
 #include "hosts/native/date_time.h"
 #include "hosts/native/native_host.h"
+#include "hosts/native/real_time_clock.h"
+#include "hosts/native/virtual_clock.h"
 #include "hosts/native/virtual_time_host.h"
 #include "tests/hosts/error_number.h"
 #include "tests/hosts/temporary_folder.h"
@@ -105,6 +107,15 @@ TEST_F(VirtualTimeHostTest, LetsTheClockRunWhileItSleeps) {
   EXPECT_DOUBLE_EQ(clock_->Seconds(), 0.4);
 }
 
+TEST_F(VirtualTimeHostTest, CountsItsSleepsByTheirLength) {
+  host_.Sleep(400);
+  host_.Sleep(1000);
+  host_.Sleep(400);
+  EXPECT_EQ(host_.SleepsOf(400), 2);
+  EXPECT_EQ(host_.SleepsOf(1000), 1);
+  EXPECT_EQ(host_.SleepsOf(500), 0);
+}
+
 TEST_F(VirtualTimeHostTest, TellsTheTimeThatTheInstrumentSpent) {
   clock_->Advance(15.0 * 3600.0 + 61.9);
   EXPECT_EQ(host_.Now(), (DateTime{2024, 3, 22, 0, 1, 1}));
@@ -119,6 +130,22 @@ TEST_F(VirtualTimeHostTest, GivesTheSameSeedsForTheSameSeed) {
   EXPECT_EQ(same.RandomSeed(), first);
   EXPECT_EQ(same.RandomSeed(), second);
   EXPECT_NE(other.RandomSeed(), first);
+}
+
+TEST(VirtualClock, NeverRunsBackwards) {
+  VirtualClock clock;
+  clock.Advance(1.5);
+  clock.Advance(-1.0);
+  EXPECT_DOUBLE_EQ(clock.Seconds(), 1.5);
+}
+
+TEST(RealTimeClock, RunsByItselfAndDoesNotWaitForNothing) {
+  RealTimeClock clock;
+  const double before = clock.Seconds();
+  clock.Advance(0.0);
+  clock.Advance(-1.0);
+  EXPECT_GE(before, 0.0);
+  EXPECT_GE(clock.Seconds(), before);
 }
 
 TEST(DateTime, RoundTripsOverALeapDay) {
