@@ -173,8 +173,8 @@ void CheckFit(const FitOptions& options) {
     throw UsageError("fit: give either a file of masses and times, or --spectrum with --masses");
   }
   if (!with_spectrum) {
-    if (!options.masses.empty() || options.a_per_ns || options.t0_ns) {
-      throw UsageError("fit: --masses, --A and --t0 go with --spectrum");
+    if (!options.masses.empty() || options.a_per_ns || options.t0_ns || options.peak_window) {
+      throw UsageError("fit: --masses, --A, --t0 and --peak-window go with --spectrum");
     }
     return;
   }

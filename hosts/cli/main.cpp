@@ -1,10 +1,13 @@
 // The program tofcal.
+#include <unistd.h>
+
 #include <exception>
 #include <iostream>
 #include <variant>
 
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/exit_code.h"
+#include "hosts/cli/run_calibrate.h"
 #include "hosts/cli/run_fit.h"
 #include "instruments/spectra/input_error.h"
 
@@ -21,8 +24,8 @@ ExitCode Run(const tof::cli::FitOptions& options) {
   return tof::cli::RunFit(options, std::cout, std::cerr);
 }
 
-ExitCode Run(const tof::cli::CalibrateOptions&) {
-  return tof::cli::kFailed;
+ExitCode Run(const tof::cli::CalibrateOptions& options) {
+  return tof::cli::RunCalibrate(options, {std::cout, std::cerr, isatty(STDERR_FILENO) != 0});
 }
 
 }  // namespace

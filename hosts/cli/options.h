@@ -43,7 +43,8 @@ struct FitOptions {
   std::string spectrum;
   std::optional<double> a_per_ns;  // where to look for the peaks
   std::optional<double> t0_ns;
-  int weighting = 0;         // as in the calibration information record
+  std::optional<double> peak_window;  // per cent of the flight time
+  int weighting = 0;                  // as in the calibration information record
   std::optional<int> terms;  // number of terms beyond A and t0; none: chosen by leave-one-out
   std::string json_file;     // "-": standard output
 };

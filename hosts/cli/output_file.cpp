@@ -22,6 +22,15 @@ std::filesystem::path PartOf(std::filesystem::path path) {
 
 }  // namespace
 
+void RequireNotAnInput(const std::filesystem::path& output,
+                       const std::vector<std::filesystem::path>& inputs) {
+  for (const std::filesystem::path& input : inputs) {
+    std::error_code one_does_not_exist;
+    if (!std::filesystem::equivalent(output, input, one_does_not_exist)) continue;
+    throw spectra::InputError({output.string()}, "a file that is also read", "another file");
+  }
+}
+
 OutputFile::OutputFile(std::filesystem::path path) : path_(std::move(path)), part_(PartOf(path_)) {
   std::error_code no_status;
   if (std::filesystem::is_directory(path_, no_status)) {

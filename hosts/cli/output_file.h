@@ -1,11 +1,16 @@
-// A result file that is either whole or not there.
+// Result files that are either whole or not there, and replace nothing that is needed.
 #pragma once
 
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 namespace tof::cli {
+
+// Raises an InputError when `output` is one of `inputs`, whose content it would replace.
+void RequireNotAnInput(const std::filesystem::path& output,
+                       const std::vector<std::filesystem::path>& inputs);
 
 // Made before the work begins, so that a folder that can't be written costs no calibration. What
 // was there before stays untouched until Commit().

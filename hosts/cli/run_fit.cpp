@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "hosts/cli/fit_report.h"
-#include "hosts/cli/masses.h"
 #include "hosts/cli/result_output.h"
+#include "hosts/cli/spectrum_pairs.h"
 #include "instruments/masstime/choose_terms.h"
 #include "instruments/masstime/fit.h"
 
@@ -16,17 +16,12 @@ using masstime::Calibrants;
 using masstime::TermSet;
 using masstime::Weighting;
 
-struct FitInput {
-  MassesAndTimes pairs;
-  std::vector<double> masses_without_peak;
-  AcquisitionWindow window;
-};
-
-FitInput ReadInput(const FitOptions& options) {
-  FitInput input;
-  input.pairs = ReadMassesAndTimes(options.pairs_file);
+SpectrumPairs ReadInput(const FitOptions& options) {
+  if (!options.spectrum.empty()) return PairsFromSpectrum(options);
+  SpectrumPairs input;
+  input.found = ReadMassesAndTimes(options.pairs_file);
   const auto [first, last] =
-      std::minmax_element(input.pairs.times_ns.begin(), input.pairs.times_ns.end());
+      std::minmax_element(input.found.times_ns.begin(), input.found.times_ns.end());
   input.window = {*first, *last};
   return input;
 }
@@ -42,10 +37,10 @@ void ChooseTerms(const Calibrants& calibrants, const AcquisitionWindow& window, 
       masstime::RootMeanSquare(masstime::LeaveOneOutWithChoice(calibrants, window, weighting));
 }
 
-FitReport Fit(FitInput input, const FitOptions& options) {
+FitReport Fit(SpectrumPairs input, const FitOptions& options) {
   FitReport report;
-  report.masses = std::move(input.pairs.masses);
-  report.times_ns = std::move(input.pairs.times_ns);
+  report.masses = std::move(input.found.masses);
+  report.times_ns = std::move(input.found.times_ns);
   report.masses_without_peak = std::move(input.masses_without_peak);
 
   const Calibrants calibrants{report.masses, report.times_ns};
@@ -62,7 +57,8 @@ FitReport Fit(FitInput input, const FitOptions& options) {
 }  // namespace
 
 ExitCode RunFit(const FitOptions& options, std::ostream& out, std::ostream& err) {
-  FitInput input = ReadInput(options);
+  SpectrumPairs input = ReadInput(options);
+  RequireNotAnInput(options.json_file, {options.pairs_file, options.masses, options.spectrum});
   ResultOutput output(options.json_file, out);
   try {
     output.Deliver(Fit(std::move(input), options));

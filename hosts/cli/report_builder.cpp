@@ -1,0 +1,127 @@
+#include "hosts/cli/report_builder.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "component/automation/convert.h"
+#include "hosts/cli/coefficient_names.h"
+#include "hosts/cli/truth.h"
+#include "instruments/masstime/fit.h"
+
+namespace tof::cli {
+namespace {
+
+constexpr std::int32_t kSettleSliceMilliseconds = 400;
+
+// In the order of the masses; empty where nothing was measured.
+BoundedArray<double> TimesOf(const Variant& averaged_times) {
+  if (const auto* const doubles = averaged_times.As<Variant::DoubleArray>()) return *doubles;
+  BoundedArray<double> times(std::vector<double>{});
+  if (const auto* const variants = averaged_times.As<Variant::Array>()) {
+    times.ReDim(variants->LBound(), variants->UBound(), IfEmpty::kIsAllowed);
+    std::transform(variants->begin(), variants->end(), times.begin(),
+                   [](const Variant& time) { return ToDouble(time); });
+  }
+  return times;
+}
+
+// None for a mass without a peak, whose time is NaN.
+std::optional<double> TimeAt(const BoundedArray<double>& times_ns, std::int32_t index) {
+  if (index > times_ns.UBound() || !std::isfinite(times_ns(index))) return std::nullopt;
+  return times_ns(index);
+}
+
+std::optional<double> AbundanceAt(const PeakAttribsTable& newest, std::int32_t index) {
+  if (!newest.IsDimensioned() || index > newest.UBound(2)) return std::nullopt;
+  return newest(0, index).abundance;
+}
+
+std::vector<MassRow> RowsOf(const RunOutcome& outcome, const standin::InstrumentState& state) {
+  const BoundedArray<double> times_ns = TimesOf(outcome.averaged_times);
+  std::vector<MassRow> rows;
+  for (const double mass : outcome.masses) {
+    const auto index = static_cast<std::int32_t>(rows.size());
+    MassRow row;
+    row.expected = mass;
+    row.time_ns = TimeAt(times_ns, index);
+    row.abundance = AbundanceAt(state.newest_attributes, index);
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+void AddErrors(const masstime::MassTimeModel& model, CalibrationReport& report) {
+  std::vector<double> errors_ppm;
+  for (MassRow& row : report.masses) {
+    if (!row.time_ns) continue;
+    row.calculated = masstime::TimeToMass(model, *row.time_ns);
+    row.error_ppm = (*row.calculated - row.expected) / row.expected * 1e6;
+    errors_ppm.push_back(*row.error_ppm);
+  }
+  if (errors_ppm.empty()) return;
+  report.rms_ppm = masstime::RootMeanSquare(errors_ppm);
+  report.max_ppm = 0.0;
+  for (const double error : errors_ppm) {
+    report.max_ppm = std::max(*report.max_ppm, std::abs(error));
+  }
+}
+
+// The same fit as the instrument's, for its leave-one-out figure. None when there are too few
+// masses to leave one out.
+std::optional<double> LeaveOneOutPpm(const std::vector<MassRow>& rows,
+                                     const masstime::AcquisitionWindow& window,
+                                     masstime::TermSet terms) {
+  std::vector<double> masses;
+  std::vector<double> times_ns;
+  for (const MassRow& row : rows) {
+    if (!row.time_ns) continue;
+    masses.push_back(row.expected);
+    times_ns.push_back(*row.time_ns);
+  }
+  try {
+    return masstime::FitTerms({masses, times_ns}, window, terms, masstime::Weighting::kRelativeMass)
+        .loo_rms_ppm;
+  } catch (const masstime::FitError&) {
+    return std::nullopt;
+  }
+}
+
+Counts CountsOf(const standin::StandInInstrument& instrument, const native::PortableHost& host) {
+  const standin::Counters counted = instrument.Counted();
+  // The settle waits of abundance-immune calibration are made of these slices; nothing else sleeps
+  // for this time. How many slices a wait has is the calibrator's affair: the calls are not counted
+  // from here.
+  return {counted.spectra, counted.setpoint_writes, counted.setpoint_reads, 0,
+          host.SleepsOf(kSettleSliceMilliseconds)};
+}
+
+}  // namespace
+
+CalibrationReport BuildReport(const RunOutcome& outcome,
+                              const standin::StandInInstrument& instrument,
+                              const native::PortableHost& host) {
+  const standin::InstrumentState& state = instrument.State();
+  CalibrationReport report;
+  report.ok = outcome.has_coefficients && !outcome.failure;
+  report.skipped = !outcome.has_coefficients && !outcome.failure;
+  if (outcome.failure) {
+    report.status_number = outcome.failure->number;
+    report.status_message = outcome.failure->message;
+  }
+  report.aic = state.gate.Calls(standin::Operation::kAcqControllerEndAIC) > 0;
+  report.masses = RowsOf(outcome, state);
+  if (report.ok) {
+    const auto terms = static_cast<masstime::TermSet>(state.in_force.info.PolyTermsFlags);
+    report.coefficients = state.in_force.coefficients;
+    report.terms = NamesOfFitted(terms);
+    AddErrors({state.in_force.coefficients, WindowOf(state)}, report);
+    report.loo_ppm = LeaveOneOutPpm(report.masses, WindowOf(state), terms);
+    report.truth = TruthOf(instrument, report.masses, outcome.spectra);
+  }
+  report.counts = CountsOf(instrument, host);
+  report.instrument_seconds = state.clock->Seconds();
+  report.files = host.Files().written;
+  return report;
+}
+
+}  // namespace tof::cli

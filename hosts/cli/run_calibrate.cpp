@@ -1,0 +1,164 @@
+#include "hosts/cli/run_calibrate.h"
+
+#include <chrono>
+#include <memory>
+#include <utility>
+#include <variant>
+
+#include "component/automation/error.h"
+#include "component/calibrator/tof_calibrator.h"
+#include "hosts/cli/advice.h"
+#include "hosts/cli/calibration_setup.h"
+#include "hosts/cli/interrupt.h"
+#include "hosts/cli/json_report.h"
+#include "hosts/cli/log_folder.h"
+#include "hosts/cli/progress.h"
+#include "hosts/cli/report_builder.h"
+#include "hosts/cli/result_output.h"
+#include "hosts/cli/text_report.h"
+#include "hosts/cli/watched_clock.h"
+#include "hosts/native/native_host.h"
+#include "hosts/native/real_time_clock.h"
+#include "hosts/native/text_file.h"
+#include "hosts/native/trace_file.h"
+#include "hosts/native/virtual_clock.h"
+#include "hosts/native/virtual_time_host.h"
+#include "instruments/spectra/input_error.h"
+#include "instruments/standin/instrument.h"
+
+namespace tof::cli {
+namespace {
+
+using description::InstrumentDescription;
+using spectra::InputError;
+
+constexpr std::uint32_t kHostSeed = 1;
+
+class LastStatus : public StatusEvents {
+ public:
+  void evtNewStatus(std::int32_t lStatus, const std::string& strMessage) override {
+    status_ = Status{lStatus, strMessage};
+  }
+  const std::optional<Status>& status() const { return status_; }
+
+ private:
+  std::optional<Status> status_;
+};
+
+std::shared_ptr<spectra::InstrumentClock> MakeClock(bool real_time) {
+  if (real_time) return std::make_shared<native::RealTimeClock>();
+  return std::make_shared<native::VirtualClock>();
+}
+
+std::unique_ptr<native::PortableHost> MakeHost(
+    const CalibrateOptions& options, const Terminal& terminal,
+    const std::shared_ptr<spectra::InstrumentClock>& clock) {
+  if (options.real_time) return std::make_unique<native::NativeHost>(terminal.err);
+  return std::make_unique<native::VirtualTimeHost>(terminal.err, clock,
+                                                   options.seed.value_or(kHostSeed));
+}
+
+standin::InstrumentOptions InstrumentOptionsOf(const CalibrateOptions& options) {
+  standin::InstrumentOptions result;
+  result.data_folder = options.data_folder;
+  if (options.seed) result.seed = *options.seed;
+  result.abort_after_sec = options.abort_after_seconds;
+  if (!options.fault) return result;
+  const auto operation = standin::OperationOfName(options.fault->operation);
+  if (!operation) {
+    throw InputError({"--fail"}, spectra::Quoted(options.fault->operation),
+                     "an operation of the instrument, such as SpecParser.FindPeaks");
+  }
+  result.faults.push_back({*operation, options.fault->nth});
+  return result;
+}
+
+// The trace is a file of the user's own choice, not one of the calibrator's logs.
+void RegisterTrace(const std::string& path, native::PortableHost& host) {
+  if (path.empty()) return;
+  const auto journal = std::make_shared<native::FileJournal>();
+  try {
+    const auto file = std::make_shared<native::TextFile>(path, native::OpenMode::kReplace, journal);
+    host.RegisterObject(native::kTraceProgId,
+                        [file] { return std::make_shared<native::TraceFile>(file); });
+  } catch (const AutomationError&) {
+    throw InputError({path}, journal->last_failure->reason, "a file that can be written");
+  }
+}
+
+OptionalCalibrationArguments OptionalArguments(const CalibrateOptions& options,
+                                               const description::RunDefaults& defaults) {
+  OptionalCalibrationArguments arguments;
+  arguments.bThisIsAManualCalibration = options.manual;
+  arguments.dTradWeighting = options.trad_weighting.value_or(defaults.trad_weighting);
+  arguments.dPeakFindTimeWindow = options.peak_window.value_or(defaults.peak_window);
+  return arguments;
+}
+
+RunOutcome Calibrate(const CalibrateOptions& options, const description::RunDefaults& defaults,
+                     std::vector<double> masses, standin::StandInInstrument& instrument,
+                     HostServices& host) {
+  RunOutcome outcome;
+  outcome.masses = std::move(masses);
+  outcome.spectra = options.spectra.value_or(defaults.spectra);
+  LastStatus events;
+  try {
+    TofCalibrator calibrator(instrument, host, events);
+    bool suppress_aic = options.suppress_aic;
+    OptionalCalibrationArguments optional = OptionalArguments(options, defaults);
+    outcome.has_coefficients =
+        calibrator.calibrateTOFMassAxis(outcome.spectra, Variant::DoubleArray(outcome.masses),
+                                        outcome.averaged_times, suppress_aic, optional) != nullptr;
+    outcome.failure = events.status();
+  } catch (const AutomationError& error) {
+    outcome.failure = Status{error.number(), error.description()};
+  }
+  return outcome;
+}
+
+double SecondsSince(std::chrono::steady_clock::time_point start) {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+}  // namespace
+
+ExitCode RunCalibrate(const CalibrateOptions& options, const Terminal& terminal) {
+  const auto start = std::chrono::steady_clock::now();
+
+  const InstrumentDescription description = DescriptionFor(options);
+  std::vector<double> masses = ExpectedMasses(options, description);
+  const auto inputs = InputFiles(options, description);
+  RequireNotAnInput(options.json_file, inputs);
+  RequireNotAnInput(options.trace_file, inputs);
+
+  Progress progress(terminal.err, terminal.err_is_terminal);
+  const standin::StandInInstrument* watched = nullptr;
+  const auto show_progress = [&progress, &watched] {
+    if (watched == nullptr) return;
+    progress.ShowSpectra(watched->Counted().spectra, watched->State().clock->Seconds());
+  };
+  const auto clock = std::make_shared<WatchedClock>(MakeClock(options.real_time), show_progress);
+  const auto host = MakeHost(options, terminal, clock);
+  standin::StandInInstrument instrument(description, InstrumentOptionsOf(options), *host, clock);
+  watched = &instrument;
+
+  ResultOutput output(options.json_file, terminal.out);
+  PrepareLogFolder(description.base_folder);
+  RegisterTrace(options.trace_file, *host);
+
+  const AbortOnInterrupt abort_on_interrupt(instrument);
+  const RunOutcome outcome =
+      Calibrate(options, description.run, std::move(masses), instrument, *host);
+  progress.Finish();
+
+  CalibrationReport report = BuildReport(outcome, instrument, *host);
+  report.wall_seconds = SecondsSince(start);
+  output.Deliver(report);
+  if (!outcome.failure) return kDone;
+  terminal.err << "calibration failed: [" << report.status_number << "] " << report.status_message
+               << '\n'
+               << AdviceOn(report, host->Files());
+  return kFailed;
+}
+
+}  // namespace tof::cli
