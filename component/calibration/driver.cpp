@@ -20,11 +20,8 @@ bool TakesTermsFromSettings(double dTradWeighting) {
   return dTradWeighting == 0.0 || dTradWeighting == 1.0;
 }
 
-void LoadDefaultsInstead(Instrument& instrument, TraceObj& trace) {
-  trace.TracePrint(
-      "Loading default calib coefficients because alg seems to have chosen really bad ones.");
-  LoadDefaultCalibCoefficients(instrument);
-}
+constexpr const char* kLoadingDefaults =
+    "Loading default calib coefficients because alg seems to have chosen really bad ones.";
 
 // The mean raw flight time of each mass, in the time field that held its assigned mass.
 void AverageMeasuredTimes(const MeasuredTimes& times, PeakTable& peaks) {
@@ -93,7 +90,8 @@ Coefficients Calibration::Run() {
     trace_.TracePrint("Calibrate() returned bad coefficients.  Re-attempting calibration");
     if (!FittingPass()) {
       trace_.TracePrint("Calibrate() returned bad coefficients twice.  Reporting error...");
-      LoadDefaultsInstead(instrument_, trace_);
+      trace_.TracePrint(kLoadingDefaults);
+      LoadDefaultCalibCoefficients(instrument_);
       throw AutomationError(-1, "Calibration failed: bad coefficients returned.");
     }
   }
@@ -258,7 +256,8 @@ void RunFailurePath(Instrument& instrument, HostServices& host, CalibrationState
   IgnoringErrors([&] { good = Calibration_VerifyCalibCoefficients(instrument, current); });
   if (!good) {
     IgnoringErrors([&] { TraceDumpCoefficients(instrument, host, current, false); });
-    IgnoringErrors([&] { LoadDefaultsInstead(instrument, trace); });
+    IgnoringErrors([&] { trace.TracePrint(kLoadingDefaults); });
+    IgnoringErrors([&] { LoadDefaultCalibCoefficients(instrument); });
   }
   IgnoringErrors([&] { events.evtNewStatus(error.number(), error.description()); });
 }
