@@ -100,9 +100,11 @@ void WriteCalibrationLoggingInfo(Instrument& instrument, HostServices& host,
   constexpr Routine kRoutine{.name = "WriteCalibrationLoggingInfo", .on_error = OnError::kRaise};
   Guarded(kRoutine, [&](TraceObj& trace) {
     const DateTime now = host.Now();
+    const std::string gain_channel = GainChannel(instrument);
     const std::string header = "===CALIBRATION DATA " + host.DateTimeText(now) + "===" + kLineEnd +
-                               "GainChannel[" + GainChannel(instrument) + "]";
+                               "GainChannel[" + gain_channel + "]";
     const auto log = instrument.calib_log_files->OpenLogFile("CalibrationData", header, "TXT");
+    // Read again, not taken from the header: the opener may have taken its time.
     Need(log).WriteLine("GainChannelSelect = " + GainChannel(instrument));
 
     Sections sections;
