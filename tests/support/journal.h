@@ -23,6 +23,8 @@ class Journal {
   std::size_t fail_count = 1;
   // An abort is asked for right before this call.
   std::size_t abort_before = kNever;
+  // ... and before every call whose text begins with this; empty for none.
+  std::string abort_operation;
   std::function<void()> request_abort = [] {};
   // Fails every call whose text begins with this; empty for none.
   std::string fail_operation;
@@ -32,9 +34,12 @@ class Journal {
   // Called first by every operation, e.g. "SetpointTable.GetSetpoint(149)". Raises a planned fault.
   void Enter(std::string call) {
     const std::size_t n = count_++;
-    if (n == abort_before) request_abort();
+    const auto is = [&](const std::string& begin) {
+      return !begin.empty() && call.rfind(begin, 0) == 0;
+    };
+    if (n == abort_before || is(abort_operation)) request_abort();
     const bool planned = n >= fail_from && n - fail_from < fail_count;
-    const bool named = !fail_operation.empty() && call.rfind(fail_operation, 0) == 0;
+    const bool named = is(fail_operation);
     if (keep_entries) entries_.push_back(std::move(call));
     if (planned || named) throw AutomationError(kInjectedNumber, kInjectedDescription);
   }
