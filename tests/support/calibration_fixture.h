@@ -55,11 +55,12 @@ class CalibrationFixture : public ::testing::Test {
     return parts;
   }
 
-  ModuleStateScope module_state;
   Journal journal;
   FakeHost host;
   FakeInstrument instrument;
   RecordedEvents events;
+  // Holds streams onto the host's files, and is written to by the calibrator's end.
+  ModuleStateScope module_state;
   std::unique_ptr<TofCalibrator> calibrator;
 
   std::int16_t n_spectra = 3;
