@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace tof::peaks {
 namespace {
@@ -35,27 +36,32 @@ Piece PieceFrom(const Trace& trace, std::size_t begin, const PeakWidthModel& wid
           fwhm_bins};
 }
 
-// Means over `smoothing_bins` around each bin from one such width before the piece to one after it,
-// so that a maximum at the edge is recognised; bins beyond the trace are 0.
-void Smooth(const Trace& trace, const Piece& piece, std::vector<double>& smoothed) {
+// The bins of the piece and `margin` more on either side; 0 beyond the trace.
+void CopyWithMargins(const Trace& trace, const Piece& piece, std::size_t margin,
+                     std::vector<double>& copy) {
   const std::vector<double>& y = trace.intensity;
-  const std::size_t margin = piece.smoothing_bins;
-  const std::size_t half = piece.smoothing_bins / 2;
-  const std::size_t length = piece.end - piece.begin + 2 * margin;
-  smoothed.resize(length);
-  const auto bin = [&](std::size_t index_from_margin) {
-    // Indices count from `margin + half` before the piece; what lies before the trace wraps around
-    // to huge numbers and is beyond it too.
-    const std::size_t i = piece.begin + index_from_margin - margin - half;
-    return i < y.size() ? y[i] : 0.0;
-  };
-  double sum = 0.0;
-  for (std::size_t i = 0; i + 1 < piece.smoothing_bins; ++i) sum += bin(i);
-  const double scale = 1.0 / static_cast<double>(piece.smoothing_bins);
-  for (std::size_t i = 0; i < length; ++i) {
-    sum += bin(i + piece.smoothing_bins - 1);
+  copy.assign(piece.end - piece.begin + 2 * margin, 0.0);
+  const std::size_t before = std::min(margin, piece.begin);
+  const std::size_t after = std::min(margin, y.size() - piece.end);
+  std::copy(y.begin() + static_cast<std::ptrdiff_t>(piece.begin - before),
+            y.begin() + static_cast<std::ptrdiff_t>(piece.end + after),
+            copy.begin() + static_cast<std::ptrdiff_t>(margin - before));
+}
+
+// Means over `smoothing_bins` around each bin, from one such width before the piece to one after
+// it, so that a maximum at its edge is recognised. `bins` is working space.
+void Smooth(const Trace& trace, const Piece& piece, std::vector<double>& bins,
+            std::vector<double>& smoothed) {
+  const std::size_t width = piece.smoothing_bins;
+  CopyWithMargins(trace, piece, width + width / 2, bins);
+  smoothed.resize(bins.size() - width + 1);
+  const double scale = 1.0 / static_cast<double>(width);
+  double sum =
+      std::accumulate(bins.begin(), bins.begin() + static_cast<std::ptrdiff_t>(width), 0.0);
+  smoothed[0] = sum * scale;
+  for (std::size_t i = 1; i < smoothed.size(); ++i) {
+    sum += bins[i + width - 1] - bins[i - 1];
     smoothed[i] = sum * scale;
-    sum -= bin(i);
   }
 }
 
@@ -177,10 +183,10 @@ std::vector<Peak> PickPeaks(const Trace& trace, const PeakWidthModel& width,
                             const PickOptions& options) {
   std::vector<Peak> peaks;
   BackgroundEstimate estimate(trace);
-  std::vector<double> smoothed;
+  std::vector<double> bins, smoothed;
   for (std::size_t begin = 0; begin < trace.intensity.size();) {
     const Piece piece = PieceFrom(trace, begin, width);
-    Smooth(trace, piece, smoothed);
+    Smooth(trace, piece, bins, smoothed);
     const Background background = estimate.Of(piece, smoothed);
     const double threshold = background.baseline + options.min_snr * background.noise;
     const std::size_t margin = piece.smoothing_bins;
