@@ -16,10 +16,10 @@
 namespace tof::standin {
 
 struct InstrumentOptions {
-  std::filesystem::path data_folder;      // what recorded files' names are relative to
-  std::optional<std::uint64_t> seed;      // of the virtual instrument, in place of its own
-  std::optional<double> abort_after_sec;  // on the instrument's clock
-  std::vector<Fault> faults;
+  std::filesystem::path data_folder = {};      // what recorded files' names are relative to
+  std::optional<std::uint64_t> seed = {};      // of the virtual instrument, in place of its own
+  std::optional<double> abort_after_sec = {};  // on the instrument's clock
+  std::vector<Fault> faults = {};
 };
 
 // What an instrument was asked for.

@@ -1,0 +1,149 @@
+// The calibrator on stand-in instruments, end to end.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+#include "component/calibrator/tof_calibrator.h"
+#include "component/trace/trace.h"
+#include "tests/instruments/standin/test_instrument.h"
+
+namespace tof::standin {
+namespace {
+
+struct Events : StatusEvents {
+  std::vector<std::string> messages;
+  void evtNewStatus(std::int32_t number, const std::string& message) override {
+    messages.push_back(std::to_string(number) + " " + message);
+  }
+};
+
+struct Outcome {
+  std::shared_ptr<MassCalCoefficients> coefficients;
+  std::vector<std::string> events;
+  std::vector<double> errors_ppm;  // of the calibrants, by the new coefficients
+};
+
+// Calibrates as the description's defaults say.
+Outcome Calibrate(TestInstrument& test) {
+  const ModuleStateScope module;  // its log file belongs to this test's host
+  Events events;
+  TofCalibrator calibrator(test.instrument, test.host, events);
+  const description::InstrumentDescription& description = test.instrument.State().description;
+  const std::vector<double> masses = description::CalibrantMasses(description);
+  std::int16_t spectra = description.run.spectra;
+  bool suppress_aic = false;
+  Variant times;
+  OptionalCalibrationArguments optional{.dTradWeighting = description.run.trad_weighting,
+                                        .dPeakFindTimeWindow = description.run.peak_window};
+  Outcome outcome;
+  outcome.coefficients = calibrator.calibrateTOFMassAxis(
+      spectra, Variant(BoundedArray<double>(masses)), times, suppress_aic, optional);
+  outcome.events = events.messages;
+  if (!outcome.coefficients) return outcome;
+  const auto* measured = times.As<Variant::DoubleArray>();
+  for (std::size_t i = 0; i < masses.size(); ++i) {
+    const double time_ns = (*measured)(static_cast<std::int32_t>(i));
+    outcome.errors_ppm.push_back((outcome.coefficients->TimeToMass(time_ns) / masses[i] - 1.0) *
+                                 1e6);
+  }
+  return outcome;
+}
+
+double Rms(const std::vector<double>& values) {
+  double squares = 0.0;
+  for (const double value : values) squares += value * value;
+  return std::sqrt(squares / static_cast<double>(values.size()));
+}
+
+TEST(Calibration, OfTheBuiltInInstrumentFindsItsTrueLaw) {
+  TestInstrument test;
+  const Outcome outcome = Calibrate(test);
+  ASSERT_TRUE(outcome.coefficients) << testing::PrintToString(outcome.events);
+  const CoefficientRecord record = outcome.coefficients->GetCoefficientRecord();
+  // The abundances differ by two decades, so that the detector's dead time moves the peaks by some
+  // ppm.
+  EXPECT_NEAR(record[0], 0.00065, 0.00065 * 20e-6);
+  EXPECT_NEAR(record[1], 300.0, 1.0);
+  EXPECT_LT(Rms(outcome.errors_ppm), 20.0);
+  EXPECT_EQ(test.instrument.CreateAcqController()->GetCurrentA(), record[0]);
+}
+
+TEST(Calibration, TakesTheSpectraThatWereAskedForAndOneThatIsNotStored) {
+  TestInstrument test;
+  Calibrate(test);
+  EXPECT_EQ(test.instrument.Counted().spectra, 11);
+}
+
+TEST(Calibration, GivesTheSameBytesForTheSameSeed) {
+  InstrumentOptions other_seed;
+  other_seed.seed = 2;
+  TestInstrument first, second, third(description::BuiltInDescription(), other_seed);
+  const CoefficientRecord record = Calibrate(first).coefficients->GetCoefficientRecord();
+  EXPECT_EQ(Calibrate(second).coefficients->GetCoefficientRecord(), record);
+  EXPECT_NE(Calibrate(third).coefficients->GetCoefficientRecord(), record);
+  for (const auto& [path, file] : first.host.files) {
+    EXPECT_EQ(second.host.files.at(path).bytes, file.bytes) << path;
+  }
+}
+
+TEST(Calibration, ReportsAPlannedFault) {
+  InstrumentOptions options;
+  options.faults = {{Operation::kMassCalCoefficientsCalibrate, 1, false}};
+  TestInstrument test(description::BuiltInDescription(), options);
+  const Outcome outcome = Calibrate(test);
+  EXPECT_FALSE(outcome.coefficients);
+  EXPECT_EQ(outcome.events, std::vector<std::string>{
+                                "440 Planned failure of MassCalCoefficients.Calibrate, call 1"});
+}
+
+TEST(Calibration, EndsAtAPlannedAbort) {
+  InstrumentOptions options;
+  options.abort_after_sec = 3.0;
+  TestInstrument test(description::BuiltInDescription(), options);
+  const Outcome outcome = Calibrate(test);
+  EXPECT_FALSE(outcome.coefficients);
+  EXPECT_EQ(outcome.events, std::vector<std::string>{"1 User aborted"});
+  EXPECT_LE(test.instrument.Counted().spectra, 4);
+}
+
+struct RecordedRun {
+  const char* example;
+  const char* folder;
+  double largest_rms_ppm;
+};
+
+class RecordedCalibration : public testing::TestWithParam<RecordedRun> {};
+
+TEST_P(RecordedCalibration, MatchesEveryCalibrant) {
+  const std::filesystem::path data = std::filesystem::path(TOF_SHARED_DATA) / GetParam().folder;
+  if (!std::filesystem::exists(data)) GTEST_SKIP() << "the shared spectra are not on this machine";
+  InstrumentOptions options;
+  options.data_folder = data;
+  TestInstrument test(
+      description::ReadDescription(std::filesystem::path(TOF_SOURCE_DIR) / "examples/recorded" /
+                                   (std::string(GetParam().example) + ".xml")),
+      options);
+  const Outcome outcome = Calibrate(test);
+  ASSERT_TRUE(outcome.coefficients) << testing::PrintToString(outcome.events);
+  EXPECT_LE(Rms(outcome.errors_ppm), GetParam().largest_rms_ppm)
+      << testing::PrintToString(outcome.errors_ppm);
+  RecordProperty("rms_ppm", std::to_string(Rms(outcome.errors_ppm)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Examples, RecordedCalibration,
+                         testing::Values(RecordedRun{"ladder", "ladder", 2.5},
+                                         RecordedRun{"breath-ind1-1", "breath", 10},
+                                         RecordedRun{"breath-ind1-2", "breath", 10},
+                                         RecordedRun{"breath-ind1-3", "breath", 10},
+                                         RecordedRun{"breath-single", "breath", 12},
+                                         RecordedRun{"linear_tof", "linear_tof", 800}),
+                         [](const testing::TestParamInfo<RecordedRun>& run) {
+                           std::string name = run.param.example;
+                           std::replace(name.begin(), name.end(), '-', '_');
+                           return name;
+                         });
+
+}  // namespace
+}  // namespace tof::standin
