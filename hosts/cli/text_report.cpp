@@ -2,13 +2,18 @@
 
 #include <fmt/format.h>
 
-#include <cmath>
+#include <algorithm>
 
 #include "hosts/cli/coefficient_names.h"
 #include "hosts/cli/table_cell.h"
 
 namespace tof::cli {
 namespace {
+
+bool AnyTime(const CalibrationReport& report) {
+  return std::any_of(report.masses.begin(), report.masses.end(),
+                     [](const MassRow& row) { return row.time_ns.has_value(); });
+}
 
 std::string MassTable(const CalibrationReport& report) {
   std::string text = fmt::format("{:>14} {:>14} {:>14} {:>9} {:>9} {:>11}\n", "expected m/z",
@@ -50,7 +55,8 @@ std::string TruthLines(const Truth& truth) {
 }  // namespace
 
 std::string TableOf(const CalibrationReport& report) {
-  std::string text = MassTable(report) + "\n";
+  std::string text;
+  if (AnyTime(report)) text += MassTable(report) + "\n";
   if (report.coefficients) text += CoefficientLines(*report.coefficients, report.terms);
   if (report.rms_ppm) {
     text +=
