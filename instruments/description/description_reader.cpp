@@ -7,6 +7,7 @@
 #include <set>
 #include <utility>
 
+#include "instruments/description/finder_section.h"
 #include "instruments/description/known_keys.h"
 #include "instruments/description/recorded_section.h"
 #include "instruments/description/setpoint_value.h"
@@ -183,8 +184,8 @@ InstrumentDescription ReadInstrument(const spectra::XmlFile& file) {
   const XmlElement instrument(
       file, file.Root(),
       {.attributes = {"name", "configuration", "mode", "mode_uses_rf_setpoints"},
-       .once = {"acquisition", "status", "paths", "run", "settings", "flags", "setpoints",
-                "coefficients", "calibrants", "virtual", "recorded"}});
+       .once = {"acquisition", "status", "peak_finder", "paths", "run", "settings", "flags",
+                "setpoints", "coefficients", "calibrants", "virtual", "recorded"}});
   InstrumentDescription description;
   description.name = instrument.Text("name");
   description.configuration = instrument.TextOr("configuration", "");
@@ -192,6 +193,7 @@ InstrumentDescription ReadInstrument(const spectra::XmlFile& file) {
   description.mode_uses_rf_setpoints = instrument.BooleanOr("mode_uses_rf_setpoints", true);
   description.acquisition = ReadAcquisition(instrument);
   description.status = ReadStatus(instrument);
+  description.finder = ReadFinderSection(instrument);
   description.run = ReadRun(instrument);
   if (instrument.HasChild("paths")) {
     description.base_folder =

@@ -12,6 +12,7 @@
 #include "component/calibrator/collaborators.h"
 #include "component/calibrator/mass_time_library.h"
 #include "instruments/masstime/fit.h"
+#include "instruments/peaks/peak_finder.h"
 #include "instruments/recorded/recorded_files.h"
 #include "instruments/virtual/virtual_source.h"
 
@@ -53,6 +54,7 @@ struct InstrumentDescription {
 
   Acquisition acquisition;
   Status status;
+  peaks::FinderOptions finder;
   RunDefaults run;
 
   std::map<std::string, std::map<std::string, double>> settings;  // by section and key

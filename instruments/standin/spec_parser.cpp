@@ -60,7 +60,7 @@ PeakAttribsTable StandInSpecParser::GetCalibrantPeakAttributes(const Variant& ma
   const spectra::SpectrumSource::SpectrumPtr spectrum = state_->source->Acquire();
   const auto found = Searched([&] {
     return peaks::FindCalibrants(*spectrum, std::vector<double>(expected.begin(), expected.end()),
-                                 model, peak_find_window);
+                                 model, peak_find_window, state_->description.finder);
   });
   for (std::int32_t k = 0; k <= expected.UBound(); ++k) {
     FillRows(found[static_cast<std::size_t>(k)], expected(k), model, table(0, k), table(1, k));
@@ -72,8 +72,8 @@ PeakAttribsTable StandInSpecParser::GetCalibrantPeakAttributes(const Variant& ma
 double StandInSpecParser::GetPeakAttribute(PeakCalculationtype, double mass, double tolerance) {
   state_->gate.Enter(Operation::kSpecParserGetPeakAttribute);
   return Searched([&] {
-    return peaks::MeasurePeakAbundance(*state_->source->Newest(), mass, tolerance,
-                                       ModelOf(*state_));
+    return peaks::MeasurePeakAbundance(*state_->source->Newest(), mass, tolerance, ModelOf(*state_),
+                                       state_->description.finder);
   });
 }
 
@@ -83,7 +83,8 @@ void StandInSpecParser::FindPeaks(double start_ns, double end_ns, std::int32_t p
   if (peaks_sought < 0) RaiseInvalidCall("A negative number of peaks can't be sought");
   const std::vector<peaks::Peak> found = Searched([&] {
     return peaks::FindPeaks(*state_->source->Newest(), start_ns, end_ns,
-                            static_cast<std::size_t>(peaks_sought), ModelOf(*state_));
+                            static_cast<std::size_t>(peaks_sought), ModelOf(*state_),
+                            state_->description.finder);
   });
   auto result = std::make_shared<masstime::StoredPeakList>();
   for (const peaks::Peak& peak : found) {

@@ -29,6 +29,16 @@ TEST(DescriptionReader, ReadsWhatTheInstrumentIs) {
   EXPECT_EQ(description.status.runstate, 1);
 }
 
+TEST(DescriptionReader, ReadsHowPeaksAreFound) {
+  const peaks::FinderOptions finder = Sample().finder;
+  EXPECT_EQ(finder.pick.centroid.method, peaks::CentroidMethod::kEdges);
+  EXPECT_EQ(finder.pick.centroid.edges.low, 0.1);
+  EXPECT_EQ(finder.pick.centroid.edges.high, 0.8);
+  EXPECT_EQ(finder.pick.centroid.edges.position, 0.25);
+  EXPECT_EQ(finder.pick.min_snr, 4.0);
+  EXPECT_FALSE(finder.resolving_power);
+}
+
 TEST(DescriptionReader, ReadsTheDefaultsOfARun) {
   const InstrumentDescription description = Sample();
   EXPECT_EQ(description.run.spectra, 3);

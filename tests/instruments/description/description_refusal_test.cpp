@@ -27,11 +27,12 @@ INSTANTIATE_TEST_SUITE_P(
     Description, SpoiledDescriptions,
     testing::Values(
         Spoiled{"MalformedXml", "</settings>", "</setting>",
-                "d.xml:13:5: found malformed XML (Start-end tags mismatch), expected a well-formed "
+                "d.xml:14:5: found malformed XML (Start-end tags mismatch), expected a well-formed "
                 "document"},
         Spoiled{"UnknownElement", "<status ", "<state ",
                 "d.xml:3:4: found unknown element \"state\" in \"instrument\", expected one of: "
-                "acquisition, status, paths, run, settings, flags, setpoints, coefficients, "
+                "acquisition, status, peak_finder, paths, run, settings, flags, setpoints, "
+                "coefficients, "
                 "calibrants, virtual, recorded"},
         Spoiled{"UnknownAttribute", "start_us=\"30\"", "start_us=\"30\" start=\"30\"",
                 "d.xml:2:4: found unknown attribute \"start\", expected one of: start_us, end_us, "
@@ -41,7 +42,7 @@ INSTANTIATE_TEST_SUITE_P(
         Spoiled{"ElementTwice", "<status nrdystate=\"-1\" runstate=\"1\"/>", "<status/><status/>",
                 "d.xml:3:13: found element \"status\" twice, expected it once"},
         Spoiled{"TextBetweenElements", "<paths base_folder=\"/data\"/>", "/data",
-                "d.xml:3:40: found text \"/data\", expected elements only"},
+                "d.xml:4:98: found text \"/data\", expected elements only"},
         Spoiled{"MissingElement",
                 "<acquisition start_us=\"30\" end_us=\"100\" time_s=\"0.25\" "
                 "scale_factor=\"2\"/>",
@@ -59,58 +60,67 @@ INSTANTIATE_TEST_SUITE_P(
                 "d.xml:2:4: found time_s=\"nan\", expected a number"},
         Spoiled{"FractionForAWholeNumber", "start_us=\"30\"", "start_us=\"30.5\"",
                 "d.xml:2:4: found start_us=\"30.5\", expected a whole number of 32 bits"},
+        Spoiled{"UnknownCentroid", "centroid=\"edges\"", "centroid=\"edge\"",
+                "d.xml:4:4: found centroid=\"edge\", expected centre_of_gravity, edges, "
+                "log_parabola, gaussian_fit or matched_filter"},
+        Spoiled{"EdgesOfAnotherCentroid", "centroid=\"edges\"", "centroid=\"matched_filter\"",
+                "d.xml:4:4: found edge_low=\"0.1\", expected it with the centroid \"edges\" only"},
+        Spoiled{"EdgesUpsideDown", "edge_low=\"0.1\"", "edge_low=\"0.9\"",
+                "d.xml:4:4: found edge_high=\"0.8\", expected not less than edge_low"},
+        Spoiled{"EdgePositionOutsideThePeak", "edge_position=\"0.25\"", "edge_position=\"2\"",
+                "d.xml:4:4: found edge_position=\"2\", expected 0 to 1"},
         Spoiled{"NoSpectra", "spectra=\"3\"", "spectra=\"0\"",
-                "d.xml:5:4: found spectra=\"0\", expected 1 to 32767"},
+                "d.xml:6:4: found spectra=\"0\", expected 1 to 32767"},
         Spoiled{"UnknownSettingsKey", "AIC_TargetMinAb", "AIC_TargetMin",
-                "d.xml:8:8: found unknown key \"AIC_TargetMin\" of section \"Calibration\", "
+                "d.xml:9:8: found unknown key \"AIC_TargetMin\" of section \"Calibration\", "
                 "expected a setting that a calibration reads"},
         Spoiled{"KeyOfAnotherSection", "PeakFindWindowInPercentT", "AIC_TargetMinAb",
-                "d.xml:11:8: found unknown key \"AIC_TargetMinAb\" of section \"PeakHandling\", "
+                "d.xml:12:8: found unknown key \"AIC_TargetMinAb\" of section \"PeakHandling\", "
                 "expected a setting that a calibration reads"},
         Spoiled{"SettingTwice", "<section name=\"PeakHandling\">",
                 "<section name=\"Calibration\"><setting key=\"AIC_TargetMinAb\" value=\"1\"/>"
                 "</section><section name=\"PeakHandling\">",
-                "d.xml:10:34: found key=\"AIC_TargetMinAb\", expected each key once"},
+                "d.xml:11:34: found key=\"AIC_TargetMinAb\", expected each key once"},
         Spoiled{"UnknownFlag", "ObfuscateCalibAlg", "obfuscateCalibAlg",
-                "d.xml:16:6: found unknown flag \"obfuscateCalibAlg\", expected a flag that a "
+                "d.xml:17:6: found unknown flag \"obfuscateCalibAlg\", expected a flag that a "
                 "calibration reads, or aic_key's"},
         Spoiled{"FlagTwice", "ObfuscateCalibAlg", "AicIsOff",
-                "d.xml:16:6: found key=\"AicIsOff\", expected each key once"},
+                "d.xml:17:6: found key=\"AicIsOff\", expected each key once"},
         Spoiled{"UnknownSetpointType", "type=\"int32\"", "type=\"long\"",
-                "d.xml:19:6: found type=\"long\", expected int16, int32, double or boolean"},
+                "d.xml:20:6: found type=\"long\", expected int16, int32, double or boolean"},
         Spoiled{"SetpointBeyondItsType", "type=\"int16\" value=\"1\"",
                 "type=\"int16\" value=\"32768\"",
-                "d.xml:20:6: found value=\"32768\", expected a whole number of 16 bits"},
+                "d.xml:21:6: found value=\"32768\", expected a whole number of 16 bits"},
         Spoiled{"BooleanAsNumber", "value=\"true\"", "value=\"1\"",
-                "d.xml:21:6: found value=\"1\", expected true or false"},
+                "d.xml:22:6: found value=\"1\", expected true or false"},
         Spoiled{"SetpointTwice", "id=\"83\"", "id=\"149\"",
-                "d.xml:22:6: found id=\"149\", expected each id once"},
+                "d.xml:23:6: found id=\"149\", expected each id once"},
         Spoiled{"NegativeA", "a_per_ns=\"0.00065\"", "a_per_ns=\"-1\"",
-                "d.xml:25:6: found a_per_ns=\"-1\", expected a number above 0"},
+                "d.xml:26:6: found a_per_ns=\"-1\", expected a number above 0"},
         Spoiled{"UnknownWeighting", "\"flight_time\"", "\"1\"",
-                "d.xml:24:4: found trad_weighting=\"1\", expected relative_mass, flight_time or "
+                "d.xml:25:4: found trad_weighting=\"1\", expected relative_mass, flight_time or "
                 "absolute_mass"},
         Spoiled{"NegativeMass", "200.25", "-200.25",
-                "d.xml:30:6: found mass -200.250000, expected masses above 0"},
+                "d.xml:31:6: found mass -200.250000, expected masses above 0"},
         Spoiled{"TextAsMass", "200.25", "heavy",
-                "d.xml:30:6: found \"heavy\", expected numbers separated by blanks"},
+                "d.xml:31:6: found \"heavy\", expected numbers separated by blanks"},
         Spoiled{"MassTwice", "200.25", "100.5",
-                "d.xml:30:6: found mass 100.500000 twice, expected each mass once"},
+                "d.xml:31:6: found mass 100.500000 twice, expected each mass once"},
         Spoiled{"NoMasses", "1 2</list>", "</list>",
-                "d.xml:29:6: found no masses, expected masses in m/z, separated by blanks"},
+                "d.xml:30:6: found no masses, expected masses in m/z, separated by blanks"},
         Spoiled{"ListTwice", "setpoint_117=\"4\"", "setpoint_117=\"5\"",
-                "d.xml:30:6: found setpoint_117=\"5\", expected one list for each value"},
+                "d.xml:31:6: found setpoint_117=\"5\", expected one list for each value"},
         Spoiled{"NoFiles",
                 "<spectrum file=\"a.txt\"/>\n    <spectrum file=\"b.mzML\" "
                 "format=\"mzml\" spectra=\"all\"/>",
-                "", "d.xml:35:4: found no element \"spectrum\", expected at least one"},
+                "", "d.xml:36:4: found no element \"spectrum\", expected at least one"},
         Spoiled{"UnknownFormat", "format=\"mzml\"", "format=\"mzML\"",
-                "d.xml:37:6: found format=\"mzML\", expected text or mzml"},
+                "d.xml:38:6: found format=\"mzML\", expected text or mzml"},
         Spoiled{
             "AllSpectraOfAText", "format=\"mzml\" ", "",
-            "d.xml:37:6: found spectra=\"all\", expected first: a text file holds one spectrum"},
+            "d.xml:38:6: found spectra=\"all\", expected first: a text file holds one spectrum"},
         Spoiled{"StandingClock", "seconds_per_spectrum=\"0.5\"", "seconds_per_spectrum=\"0\"",
-                "d.xml:35:4: found seconds_per_spectrum=\"0\", expected a number above 0"},
+                "d.xml:36:4: found seconds_per_spectrum=\"0\", expected a number above 0"},
         Spoiled{"TwoSources", "</instrument>", "<virtual rf_setpoint=\"83\"/></instrument>",
                 "d.xml:1:2: found both or neither of \"virtual\" and \"recorded\", expected one of "
                 "them"}),

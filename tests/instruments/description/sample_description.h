@@ -10,6 +10,7 @@ inline const std::string kSampleDescription =
     R"(<instrument name="sample" configuration="cfg" mode="pos">
   <acquisition start_us="30" end_us="100" time_s="0.25" scale_factor="2"/>
   <status nrdystate="-1" runstate="1"/>
+  <peak_finder centroid="edges" edge_low="0.1" edge_high="0.8" edge_position="0.25" min_snr="4"/>
   <paths base_folder="/data"/>
   <run spectra="3" trad_weighting="0.5" peak_window="7"/>
   <settings>
