@@ -152,6 +152,10 @@ void DeclareFit(OptionTable& table, FitOptions& options) {
               });
   table.Value("--t0", "X", "Where to look: t0 in ns",
               [&options](const std::string& text) { options.t0_ns = NumberOption("--t0", text); });
+  table.Value("--peak-window", "X", "How far to look, per cent of the flight time (default: 2)",
+              [&options](const std::string& text) {
+                options.peak_window = PositiveNumberOption("--peak-window", text);
+              });
   table.Value("--terms", "N|auto",
               "Terms beyond A and t0, 0 to 6, or chosen by leave-one-out (auto)",
               [&options](const std::string& text) {

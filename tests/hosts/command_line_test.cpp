@@ -112,13 +112,15 @@ TEST(CommandLine, ShowsHelpAndVersion) {
 
 TEST(CommandLine, FitTakesPairsOrASpectrum) {
   EXPECT_EQ(ParseFit({"pairs.txt"}).pairs_file, "pairs.txt");
-  const FitOptions options = ParseFit({"--masses", "m.txt", "--spectrum", "s.mzML", "--A",
-                                       "0.00065", "--t0", "-43.6", "--terms", "3"});
+  const FitOptions options =
+      ParseFit({"--masses", "m.txt", "--spectrum", "s.mzML", "--A", "0.00065", "--t0", "-43.6",
+                "--terms", "3", "--peak-window", "0.5"});
   EXPECT_EQ(options.masses, "m.txt");
   EXPECT_EQ(options.spectrum, "s.mzML");
   EXPECT_EQ(options.a_per_ns, 0.00065);
   EXPECT_EQ(options.t0_ns, -43.6);
   EXPECT_EQ(options.terms, 3);
+  EXPECT_EQ(options.peak_window, 0.5);
   EXPECT_FALSE(ParseFit({"pairs.txt", "--terms", "auto"}).terms);
 }
 

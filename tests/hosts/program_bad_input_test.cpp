@@ -87,7 +87,7 @@ TEST_F(BadInput, MissingSpectrum) {
 }
 
 TEST_F(BadInput, XmlError) {
-  ExpectDescriptionRefused("</settings>", "</setings>", ":15:");
+  ExpectDescriptionRefused("</settings>", "</setings>", ":13:5: found malformed XML");
 }
 
 TEST_F(BadInput, UnknownKey) {
