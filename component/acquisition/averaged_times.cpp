@@ -13,6 +13,8 @@ namespace {
 constexpr std::int16_t kAllBitsSet = -1;
 
 void StoreSpectrum(const PeakAttribsTable& parsed, std::int32_t spectrum, CalibrantData& data) {
+  // A store with masses that were not parsed for belongs to another list of masses.
+  if (parsed.UBound(2) < data.peaks.UBound()) Raise(RunTimeError::kSubscriptOutOfRange);
   for (std::int32_t k = parsed.LBound(2); k <= parsed.UBound(2); ++k) {
     data.measured_times(spectrum, k) = parsed(0, k).time;
     StoreAttributes(parsed, k, spectrum, data.peaks(k));
