@@ -32,6 +32,11 @@ class FakeTrace : public LateBoundObject {
   // The texts that were traced, without the name and level of their routine.
   std::vector<std::string> Texts() const;
 
+  void Forget() {
+    lines.clear();
+    texts_.clear();
+  }
+
  private:
   Journal& journal_;
   std::vector<std::string> texts_;

@@ -60,9 +60,9 @@ TEST_F(TheCalibrator, TreatsOptionalArgumentsThatAreLeftOutAsFalseFalseMinusOneM
   EXPECT_NE(Calibrate(), nullptr);
   const std::vector<std::string> with = host.trace->lines;
 
-  const ModuleStateScope fresh;
   fakes::Journal other_journal;
   fakes::FakeHost other_host(other_journal);
+  const ModuleStateScope fresh;
   fakes::FakeInstrument other_instrument(other_journal, other_host);
   TofCalibrator other(other_instrument, other_host, events);
   EXPECT_NE(other.calibrateTOFMassAxis(n_spectra, masses, times, suppress_aic), nullptr);
