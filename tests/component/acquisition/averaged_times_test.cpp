@@ -11,10 +11,8 @@ namespace tof {
 namespace {
 
 using fakes::Calls;
-using fakes::InOrder;
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 
 const std::string kIsAborted = "AcqController.IsAbortRequested";

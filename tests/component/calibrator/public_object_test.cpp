@@ -9,7 +9,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Pair;
-using ::testing::SizeIs;
 
 constexpr const char* kDataSet = "D:\\Data\\Logfiles\\AbImmunecalib_SpotFireDataSetLog.csv";
 constexpr const char* kDataSetHeader =
