@@ -57,7 +57,6 @@ class CalibrationFixture : public ::testing::Test {
 
   Journal journal;
   FakeHost host;
-  ModuleStateScope module_state;  // ends before the host: it keeps a log of the host's files open
   FakeInstrument instrument;
   RecordedEvents events;
   // Holds streams onto the host's files, and is written to by the calibrator's end.

@@ -30,15 +30,4 @@ void FailEachCall(Journal& journal, Arrange arrange, Run run, Check check) {
   }
 }
 
-// The number of the error that `routine` raises; 0 when it raises none.
-template <class Routine>
-std::int32_t ErrorNumberOf(Routine routine) {
-  try {
-    routine();
-  } catch (const AutomationError& error) {
-    return error.number();
-  }
-  return 0;
-}
-
 }  // namespace tof::fakes

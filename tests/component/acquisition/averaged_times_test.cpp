@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "component/acquisition/store_attributes.h"
+#include "tests/component/error_number_of.h"
 #include "tests/support/calibration_fixture.h"
 #include "tests/support/expected_calls.h"
 #include "tests/support/fault_sweep.h"
@@ -136,8 +137,8 @@ TEST(StoringAttributes, CopiesFiveFieldsAndNoOther) {
   EXPECT_EQ(record.SpectrumAttribs(2, 1),
             (PeakAttribs{.time = 14.0, .attribute32 = 15.0, .abundance = 16.0}));
   EXPECT_EQ(record.SpectrumAttribs(1, 0), PeakAttribs{});
-  EXPECT_EQ(fakes::ErrorNumberOf([&] { StoreAttributes(parsed, 2, 2, record); }), 9);
-  EXPECT_EQ(fakes::ErrorNumberOf([&] { StoreAttributes(parsed, 1, 3, record); }), 9);
+  EXPECT_EQ(ErrorNumberOf([&] { StoreAttributes(parsed, 2, 2, record); }), 9);
+  EXPECT_EQ(ErrorNumberOf([&] { StoreAttributes(parsed, 1, 3, record); }), 9);
 }
 
 TEST_F(AveragedTimes, ReplaceAWindowOfMinusOneInTheCallersVariable) {

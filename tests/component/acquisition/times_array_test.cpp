@@ -1,12 +1,11 @@
 #include "component/acquisition/times_array.h"
 
+#include "tests/component/error_number_of.h"
 #include "tests/support/calibration_fixture.h"
-#include "tests/support/fault_sweep.h"
 
 namespace tof {
 namespace {
 
-using fakes::ErrorNumberOf;
 using ::testing::ElementsAre;
 
 class InitializingTheTimesArray : public fakes::CalibrationFixture {

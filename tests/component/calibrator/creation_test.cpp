@@ -1,13 +1,13 @@
 // How a calibrator comes to be and how it ends.
 #include <algorithm>
 
+#include "tests/component/error_number_of.h"
 #include "tests/support/calibration_fixture.h"
 #include "tests/support/fault_sweep.h"
 
 namespace tof {
 namespace {
 
-using fakes::ErrorNumberOf;
 using fakes::kInjectedNumber;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <limits>
 
+#include "tests/component/error_number_of.h"
 #include "tests/support/calibration_fixture.h"
 #include "tests/support/expected_calls.h"
 #include "tests/support/fault_sweep.h"
@@ -9,7 +10,6 @@
 namespace tof {
 namespace {
 
-using fakes::ErrorNumberOf;
 using fakes::kInjectedNumber;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;

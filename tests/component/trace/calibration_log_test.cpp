@@ -1,5 +1,6 @@
 #include "component/trace/calibration_log.h"
 
+#include "tests/component/error_number_of.h"
 #include "tests/support/calibration_fixture.h"
 #include "tests/support/expected_calls.h"
 #include "tests/support/fault_sweep.h"
@@ -8,7 +9,6 @@ namespace tof {
 namespace {
 
 using fakes::Calls;
-using fakes::ErrorNumberOf;
 using fakes::InOrder;
 using fakes::kInjectedNumber;
 using fakes::Repeated;

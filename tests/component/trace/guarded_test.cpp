@@ -3,13 +3,12 @@
 #include <new>
 #include <stdexcept>
 
+#include "tests/component/error_number_of.h"
 #include "tests/support/calibration_fixture.h"
-#include "tests/support/fault_sweep.h"
 
 namespace tof {
 namespace {
 
-using fakes::ErrorNumberOf;
 using ::testing::ElementsAre;
 
 class AGuardedRoutine : public fakes::CalibrationFixture {

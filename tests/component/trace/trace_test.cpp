@@ -3,13 +3,12 @@
 #include <map>
 #include <thread>
 
+#include "tests/component/error_number_of.h"
 #include "tests/support/calibration_fixture.h"
-#include "tests/support/fault_sweep.h"
 
 namespace tof {
 namespace {
 
-using fakes::ErrorNumberOf;
 using fakes::kInjectedNumber;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
