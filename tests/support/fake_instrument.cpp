@@ -225,10 +225,14 @@ class Parser : public SpecParser, Part {
     Enter("SpecParser.FindPeaks(" + ToText(start_ns) + "," + ToText(end_ns) + "," +
           std::to_string(sought) + ")");
     auto found = std::make_shared<FakePeakList>(fake.journal);
+    const std::size_t search = fake.peak_searches++;
+    const std::size_t most = search < fake.most_peaks_found.size() ? fake.most_peaks_found[search]
+                                                                   : fake.sample_masses.size();
     for (const double mass : fake.sample_masses) {
       const double time = fake.TrueTime(mass);
       if (time < start_ns || time > end_ns) continue;
       if (static_cast<std::int32_t>(found->records.size()) >= sought) break;
+      if (found->records.size() >= most) break;
       found->records.push_back({.position = time, .height = fake.abundance});
     }
     count = static_cast<std::int32_t>(found->records.size());

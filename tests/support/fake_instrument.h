@@ -28,6 +28,9 @@ class FakeInstrument : public InstrumentFactory {
   // The masses of which a spectrum has peaks; also the instrument's own calibrant list.
   std::vector<double> sample_masses = {118.0863, 322.0481, 622.029, 922.0098, 1221.9906, 1521.9715};
 
+  // The most peaks that search n (from 0) finds; searches beyond the end find all.
+  std::vector<std::size_t> most_peaks_found;
+  std::size_t peak_searches = 0;
   // How many of the masses that are asked for, from the last one on, a parsed spectrum leaves out.
   std::int32_t masses_left_out = 0;
 
