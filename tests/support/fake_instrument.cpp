@@ -206,6 +206,7 @@ class Parser : public SpecParser, Part {
   using Part::Part;
   PeakAttribsTable GetCalibrantPeakAttributes(const Variant& masses, double window) override {
     Enter("SpecParser.GetCalibrantPeakAttributes(" + ToText(window) + ")");
+    fake.on_spectrum();
     const auto n = static_cast<std::size_t>(fake.spectra_taken++);
     const double shift = n < fake.spectrum_shift_ns.size() ? fake.spectrum_shift_ns[n] : 0.0;
     const auto& wanted = AsDoubleArray(masses);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -25,6 +26,8 @@ class FakeInstrument : public InstrumentFactory {
   double abundance = 150000.0;
   // Added to the flight time of spectrum n (from 0), ns; spectra beyond the end add nothing.
   std::vector<double> spectrum_shift_ns;
+  // Called while a spectrum is taken, e.g. to let the acquisition software move setpoints.
+  std::function<void()> on_spectrum = [] {};
   // The masses of which a spectrum has peaks; also the instrument's own calibrant list.
   std::vector<double> sample_masses = {118.0863, 322.0481, 622.029, 922.0098, 1221.9906, 1521.9715};
 
