@@ -3,6 +3,7 @@
 #include "tests/component/calibration/calibration_calls.h"
 #include "tests/support/calibration_fixture.h"
 #include "tests/support/fault_sweep.h"
+#include "tests/component/error_number_of.h"
 
 namespace tof {
 namespace {
@@ -459,12 +460,12 @@ TEST_F(LikelyAHandedOver, IsDoneWithoutInAManualCalibrationWhileAutotunesAreSkip
   Apply(true);
   EXPECT_FALSE(instrument.has_likely_a);
   EXPECT_EQ(NumberOf("AcqController.IsAbortRequested"), 1U);
-  EXPECT_EQ(fakes::ErrorNumberOf([&] { Apply(false); }), -822);
+  EXPECT_EQ(ErrorNumberOf([&] { Apply(false); }), -822);
 }
 
 TEST_F(LikelyAHandedOver, IsNeededInAManualCalibrationOtherwise) {
   instrument.sample_masses.resize(2);
-  EXPECT_EQ(fakes::ErrorNumberOf([&] { Apply(true); }), -822);
+  EXPECT_EQ(ErrorNumberOf([&] { Apply(true); }), -822);
 }
 
 }  // namespace
