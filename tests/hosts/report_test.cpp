@@ -97,7 +97,7 @@ TEST(JsonReport, OfAFailureCarriesItsNumberAndText) {
 TEST(JsonReport, SurvivesATextThatIsNotUtf8) {
   CalibrationReport report;
   report.status_message = "Ger\xE4t";
-  EXPECT_NO_THROW(ordered_json::parse(JsonOf(report)));
+  EXPECT_TRUE(ordered_json::accept(JsonOf(report)));
 }
 
 TEST(TextReport, ShowsMassesErrorsSummaryAndFiles) {
