@@ -1,9 +1,9 @@
 #include "component/calibration/likely_a.h"
 
 #include "tests/component/calibration/calibration_calls.h"
+#include "tests/component/error_number_of.h"
 #include "tests/support/calibration_fixture.h"
 #include "tests/support/fault_sweep.h"
-#include "tests/component/error_number_of.h"
 
 namespace tof {
 namespace {
