@@ -23,7 +23,7 @@ struct Setpoint {
   Variant value;  // of that type
 };
 
-// The part of the flight-time axis that is recorded, in microseconds, and what goes with it.
+// The stretch of the flight-time axis that is recorded, in microseconds, and what goes with it.
 struct Acquisition {
   std::int32_t start_us = 0;
   std::int32_t end_us = 0;

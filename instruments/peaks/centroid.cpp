@@ -36,7 +36,7 @@ std::size_t HighestBin(const Trace& trace, std::size_t apex, double fwhm) {
                                   y);
 }
 
-// A bin counts with the part of it that lies in the window, so that the sum has no steps when the
+// A bin counts with as much of it as lies in the window, so that the sum has no steps when the
 // window moves.
 double CentreOfGravity(const Trace& trace, std::size_t apex, double fwhm, double baseline) {
   const double reach = 1.2 * fwhm + 0.5;
