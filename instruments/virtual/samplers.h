@@ -35,7 +35,7 @@ class NormalSampler {
  private:
   static constexpr std::size_t kLayers = 256;
 
-  // Decides about a `value` beyond that portion of its layer that lies wholly under the curve. In the
+  // Decides about a `value` beyond the core of its layer, which lies wholly under the curve. In the
   // lowest layer `value` is replaced by one from the tail.
   bool AcceptOutsideTheCore(Random& random, std::size_t layer, double& value) const;
 
