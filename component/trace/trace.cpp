@@ -10,6 +10,8 @@ namespace {
 
 constexpr const char* kTraceProgId = "vornutils.trace.1";
 
+// Of a thread, not of an object: objects created one after the other share it.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
 thread_local ModuleState* current_state = nullptr;
 
 std::string_view TrimBlanks(std::string_view text) {

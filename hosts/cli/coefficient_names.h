@@ -17,7 +17,8 @@ inline constexpr std::array<const char*, 8> kCoefficientNames{"A", "t0", "C", "D
 inline std::vector<std::string> NamesOfFitted(masstime::TermSet terms) {
   std::vector<std::string> names{kCoefficientNames[masstime::kA], kCoefficientNames[masstime::kT0]};
   for (std::size_t term = 0; term < masstime::kTermCount; ++term) {
-    if ((terms >> term & 1u) != 0) names.push_back(kCoefficientNames[masstime::kFirstTerm + term]);
+    if ((terms >> term & 1U) == 0) continue;
+    names.emplace_back(kCoefficientNames[masstime::kFirstTerm + term]);
   }
   return names;
 }

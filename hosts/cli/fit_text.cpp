@@ -53,7 +53,7 @@ std::string TableOf(const FitReport& report) {
   text += fmt::format("A = {:.10g} sqrt(u)/ns\nt0 = {:.8g} ns\n", fit.coefficients[masstime::kA],
                       fit.coefficients[masstime::kT0]);
   for (std::size_t i = masstime::kFirstTerm; i < fit.coefficients.size(); ++i) {
-    if ((fit.terms >> (i - masstime::kFirstTerm) & 1u) == 0) continue;
+    if ((fit.terms >> (i - masstime::kFirstTerm) & 1U) == 0) continue;
     text += fmt::format("{} = {:.8g} sqrt(u)\n", kCoefficientNames[i], fit.coefficients[i]);
   }
   return text + fmt::format("rms {:.3f} ppm, max {:.3f} ppm, leave-one-out {} ppm\n", fit.rms_ppm,

@@ -7,6 +7,7 @@ namespace tof::cli {
 namespace {
 
 // A signal handler reaches nothing but globals.
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
 std::atomic<standin::StandInInstrument*> instrument_to_abort = nullptr;
 
 void RequestAbort(int) {

@@ -22,10 +22,10 @@ Character FirstCharacter(std::string_view text) {
   const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
   if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return {};
 
-  std::uint32_t code_point = lead & (0x7Fu >> length);
+  std::uint32_t code_point = lead & (0x7FU >> length);
   for (std::size_t i = 1; i < length; ++i) {
-    if ((ByteAt(text, i) & 0xC0u) != 0x80u) return {};
-    code_point = (code_point << 6) | (ByteAt(text, i) & 0x3Fu);
+    if ((ByteAt(text, i) & 0xC0U) != 0x80U) return {};
+    code_point = (code_point << 6) | (ByteAt(text, i) & 0x3FU);
   }
   // Longer than the character needs: not well-formed.
   if ((length == 3 && code_point < 0x800) || (length == 4 && code_point < 0x10000)) return {};
