@@ -93,7 +93,7 @@ WeightedEquations Equations(const Calibrants& calibrants, const AcquisitionWindo
     equations.design(row, column++) = weight;
     equations.design(row, column++) = weight * (time_ns - scale.middle_ns) / scale.half_width_ns;
     for (std::size_t term = 0; term < kTermCount; ++term) {
-      if ((terms >> term) & 1U) equations.design(row, column++) = weight * legendre[term];
+      if (((terms >> term) & 1U) != 0) equations.design(row, column++) = weight * legendre[term];
     }
     equations.root_masses(row) = weight * root_mass;
   }
@@ -107,7 +107,7 @@ CoefficientRecord RecordOf(const Eigen::VectorXd& solution, TermSet terms, const
   record[kT0] = scale.middle_ns - solution(0) / record[kA];
   Eigen::Index column = 2;
   for (std::size_t term = 0; term < kTermCount; ++term) {
-    if ((terms >> term) & 1U) record[kFirstTerm + term] = solution(column++);
+    if (((terms >> term) & 1U) != 0) record[kFirstTerm + term] = solution(column++);
   }
   return record;
 }
@@ -190,7 +190,7 @@ Fit FitTerms(const Calibrants& calibrants, const AcquisitionWindow& window, Term
 
 Fit FitWithFallback(const Calibrants& calibrants, const AcquisitionWindow& window, TermSet terms,
                     Weighting a_and_t0, Weighting with_terms) {
-  const Fit plain = FitTerms(calibrants, window, 0, a_and_t0);
+  Fit plain = FitTerms(calibrants, window, 0, a_and_t0);
   WeightOf(1.0,
            with_terms);  // an unknown weighting is the caller's error, not a reason to fall back
   for (terms &= kAllTerms; terms != 0; terms = WithoutHighest(terms)) {

@@ -25,11 +25,13 @@ ValueAndSlope SqrtMassAndSlope(const MassTimeModel& model, double time_ns) {
   const double x = ScaledTime(model.window, time_ns);
   const double x_per_ns = 2.0 / (model.window.end_ns - model.window.start_ns);
   const bool inside = std::abs(x) < 1.0;
-  double p_before = 1.0, p = x;
-  double slope_before = 0.0, slope = 1.0;
+  double p_before = 1.0;
+  double p = x;
+  double slope_before = 0.0;
+  double slope = 1.0;
   for (std::size_t term = 0; term < kTermCount; ++term) {
     // Bonnet's recursion and its derivative; n is the degree of `p`.
-    const double n = static_cast<double>(term + 1);
+    const auto n = static_cast<double>(term + 1);
     const double p_next = ((2.0 * n + 1.0) * x * p - n * p_before) / (n + 1.0);
     const double slope_next = slope_before + (2.0 * n + 1.0) * p;
     p_before = p;
@@ -60,9 +62,10 @@ double ScaledTime(const AcquisitionWindow& window, double time_ns) {
 
 std::array<double, kTermCount> LegendreTerms(double x) {
   std::array<double, kTermCount> terms{};
-  double before = 1.0, current = x;
+  double before = 1.0;
+  double current = x;
   for (std::size_t term = 0; term < kTermCount; ++term) {
-    const double n = static_cast<double>(term + 1);
+    const auto n = static_cast<double>(term + 1);
     const double next = ((2.0 * n + 1.0) * x * current - n * before) / (n + 1.0);
     before = current;
     current = next;
@@ -96,7 +99,8 @@ double MassToTime(const MassTimeModel& model, double mass) {
 
   // Newton's steps inside a bracket that always holds a solution; a step that leaves the bracket is
   // replaced by its middle.
-  double low = time_ns - reach / c[kA], high = time_ns + reach / c[kA];
+  double low = time_ns - reach / c[kA];
+  double high = time_ns + reach / c[kA];
   for (int step = 0; step < kMaxInversionSteps; ++step) {
     const auto [value, slope] = SqrtMassAndSlope(model, time_ns);
     (value > root ? high : low) = time_ns;
