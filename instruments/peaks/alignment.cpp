@@ -45,7 +45,8 @@ class Aligner {
   Aligner(std::span<const Expected> expected, std::span<const Cluster> clusters,
           const PeakWidthModel& width)
       : expected_(expected), clusters_(clusters), width_(width) {
-    double first_ns = expected.front().time_ns, last_ns = first_ns;
+    double first_ns = expected.front().time_ns;
+    double last_ns = first_ns;
     for (const Expected& e : expected) {
       first_ns = std::min(first_ns, e.time_ns);
       last_ns = std::max(last_ns, e.time_ns);
@@ -164,7 +165,8 @@ class Aligner {
 
   std::vector<Alignment> Proposals() const {
     std::vector<Alignment> proposals;
-    const std::vector<Match> early = Proposers(false), late = Proposers(true);
+    const std::vector<Match> early = Proposers(false);
+    const std::vector<Match> late = Proposers(true);
     for (const Match& a : early) {
       for (const Match& b : late) {
         const double time_a = expected_[a.expected].time_ns;

@@ -21,7 +21,7 @@ struct BinRange {
 };
 
 BinRange BinsAround(const Trace& trace, double centre, double reach) {
-  const double last = static_cast<double>(trace.intensity.size());
+  const auto last = static_cast<double>(trace.intensity.size());
   const double begin = std::clamp(std::ceil(centre - reach), 0.0, last);
   const double end = std::clamp(std::floor(centre + reach) + 1.0, begin, last);
   return {static_cast<std::size_t>(begin), static_cast<std::size_t>(end)};
@@ -40,9 +40,10 @@ std::size_t HighestBin(const Trace& trace, std::size_t apex, double fwhm) {
 // window moves.
 double CentreOfGravity(const Trace& trace, std::size_t apex, double fwhm, double baseline) {
   const double reach = 1.2 * fwhm + 0.5;
-  double centre = static_cast<double>(apex);
+  auto centre = static_cast<double>(apex);
   for (int step = 0; step < kMostSteps; ++step) {
-    double sum = 0.0, moment = 0.0;
+    double sum = 0.0;
+    double moment = 0.0;
     const auto [begin, end] = BinsAround(trace, centre, reach + 1.0);
     for (std::size_t i = begin; i < end; ++i) {
       const double distance = static_cast<double>(i) - centre;
@@ -120,7 +121,8 @@ double LogParabola(const Trace& trace, std::size_t apex, double fwhm, double bas
   const auto centre = static_cast<double>(top);
   const auto [begin, end] = BinsAround(trace, centre, std::max(1.0, 0.6 * fwhm));
   std::array<std::array<double, 3>, 3> m{};
-  std::array<double, 3> r{}, x{};
+  std::array<double, 3> r{};
+  std::array<double, 3> x{};
   for (std::size_t i = begin; i < end; ++i) {
     const double signal = trace.intensity[i] - baseline;
     if (!(signal > 0.0)) continue;
@@ -139,9 +141,10 @@ double LogParabola(const Trace& trace, std::size_t apex, double fwhm, double bas
 // same width one step goes half of the way, so twice the step goes all of it.
 double MatchedFilter(const Trace& trace, std::size_t apex, double fwhm, double baseline) {
   const double sigma = std::max(fwhm, 1.5) / kFwhmPerSigma;
-  double centre = static_cast<double>(apex);
+  auto centre = static_cast<double>(apex);
   for (int step = 0; step < kMostSteps; ++step) {
-    double sum = 0.0, moment = 0.0;
+    double sum = 0.0;
+    double moment = 0.0;
     const auto [begin, end] = BinsAround(trace, centre, 4.0 * sigma);
     for (std::size_t i = begin; i < end; ++i) {
       const double distance = static_cast<double>(i) - centre;
@@ -167,7 +170,8 @@ double GaussianFit(const Trace& trace, std::size_t apex, double fwhm, double bas
   const auto [begin, end] = BinsAround(trace, centre, 1.5 * fwhm + 1.0);
   for (int step = 0; step < kMostSteps; ++step) {
     std::array<std::array<double, 3>, 3> m{};
-    std::array<double, 3> r{}, x{};
+    std::array<double, 3> r{};
+    std::array<double, 3> x{};
     for (std::size_t i = begin; i < end; ++i) {
       const double u = (static_cast<double>(i) - centre) / sigma;
       const double shape = std::exp(-0.5 * u * u);

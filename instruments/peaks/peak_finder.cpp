@@ -130,6 +130,7 @@ std::vector<Peak> FindPeaks(const spectra::Spectrum& spectrum, double start_ns, 
                    [](const Cluster& a, const Cluster& b) { return a.abundance > b.abundance; });
   clusters.resize(std::min(clusters.size(), count));
   std::vector<Peak> peaks;
+  peaks.reserve(clusters.size());
   for (const Cluster& cluster : clusters) peaks.push_back(cluster.first);
   std::sort(peaks.begin(), peaks.end(),
             [](const Peak& a, const Peak& b) { return a.time_ns < b.time_ns; });

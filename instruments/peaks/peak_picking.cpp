@@ -183,7 +183,8 @@ std::vector<Peak> PickPeaks(const Trace& trace, const PeakWidthModel& width,
                             const PickOptions& options) {
   std::vector<Peak> peaks;
   BackgroundEstimate estimate(trace);
-  std::vector<double> bins, smoothed;
+  std::vector<double> bins;
+  std::vector<double> smoothed;
   for (std::size_t begin = 0; begin < trace.intensity.size();) {
     const Piece piece = PieceFrom(trace, begin, width);
     Smooth(trace, piece, bins, smoothed);

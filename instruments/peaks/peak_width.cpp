@@ -65,7 +65,7 @@ double FullWidthAtHalfHeight(const Trace& trace, std::size_t apex, double baseli
   while (left > 0 && y[left] > half) --left;
   std::size_t right = apex;
   while (right + 1 < y.size() && y[right] > half) ++right;
-  double width = static_cast<double>(right - left);
+  auto width = static_cast<double>(right - left);
   if (y[left] < half) width -= (half - y[left]) / (y[left + 1] - y[left]);
   if (y[right] < half) width -= (half - y[right]) / (y[right - 1] - y[right]);
   return width;
@@ -81,7 +81,8 @@ PeakWidthModel EstimatePeakWidth(const Trace& trace) {
   while (maxima.size() > 1 && y[maxima.back()] < kHeightOfAPeak * usual) maxima.pop_back();
   maxima.resize(std::min(maxima.size(), kStrongest));
 
-  std::vector<double> times_ns, widths_ns;
+  std::vector<double> times_ns;
+  std::vector<double> widths_ns;
   for (const std::size_t apex : maxima) {
     times_ns.push_back(trace.TimeOf(static_cast<double>(apex)));
     widths_ns.push_back(std::max(1.0, FullWidthAtHalfHeight(trace, apex, 0.0)) * trace.bin_ns);
