@@ -33,8 +33,10 @@ std::uint32_t Digit(char c) {
 
 // The 24 bits of four digits, or a value with the bit kInvalid.
 std::uint32_t Group(const char* four) {
-  const std::uint32_t a = Digit(four[0]), b = Digit(four[1]), c = Digit(four[2]),
-                      d = Digit(four[3]);
+  const std::uint32_t a = Digit(four[0]);
+  const std::uint32_t b = Digit(four[1]);
+  const std::uint32_t c = Digit(four[2]);
+  const std::uint32_t d = Digit(four[3]);
   return ((a | b | c | d) & kInvalid) | (a << 18 & 0xFC0000) | (b << 12 & 0x3F000) |
          (c << 6 & 0xFC0) | (d & 0x3F);
 }
@@ -52,13 +54,13 @@ std::optional<std::string> DecodeCompact(std::string_view text) {
   char* to = bytes.data();
   for (std::size_t i = 0; i < last; i += 4, to += 3) {
     const std::uint32_t bits = Group(text.data() + i);
-    if (bits & kInvalid) return std::nullopt;
+    if ((bits & kInvalid) != 0) return std::nullopt;
     PutBytes(bits, 3, to);
   }
   std::array<char, 4> tail{'A', 'A', 'A', 'A'};
   std::copy_n(text.data() + last, 4 - padding, tail.begin());
   const std::uint32_t bits = Group(tail.data());
-  if (bits & kInvalid) return std::nullopt;
+  if ((bits & kInvalid) != 0) return std::nullopt;
   PutBytes(bits, 3, to);
   bytes.resize(bytes.size() - padding);
   return bytes;

@@ -151,10 +151,13 @@ class MzmlReader {
                  "enough for " + std::to_string(size) + " bytes");
     }
     std::string bytes(size, '\0');
-    uLongf length = static_cast<uLongf>(size);
+    auto length = static_cast<uLongf>(size);
+    // The same bytes, which zlib takes as unsigned ones.
+    // NOLINTBEGIN(cppcoreguidelines-pro-type-reinterpret-cast)
     const int status = uncompress(reinterpret_cast<Bytef*>(bytes.data()), &length,
                                   reinterpret_cast<const Bytef*>(packed.data()),
                                   static_cast<uLong>(packed.size()));
+    // NOLINTEND(cppcoreguidelines-pro-type-reinterpret-cast)
     if (status != Z_OK) {
       file_.Fail(array, std::string("damaged compressed data (") + zError(status) + ")",
                  "a zlib stream of " + std::to_string(size) + " bytes");
@@ -168,12 +171,12 @@ class MzmlReader {
     for (const pugi::xml_node term : node.children("cvParam")) {
       if (term.attribute("accession").value() == accession) return true;
     }
-    for (const pugi::xml_node reference : node.children("referenceableParamGroupRef")) {
+    const auto references = node.children("referenceableParamGroupRef");
+    return std::any_of(references.begin(), references.end(), [&](pugi::xml_node reference) {
       const pugi::xml_node group = groups_.find_child_by_attribute(
           "referenceableParamGroup", "id", reference.attribute("ref").value());
-      if (group && HasTerm(group, accession)) return true;
-    }
-    return false;
+      return !group.empty() && HasTerm(group, accession);
+    });
   }
 
   static std::string TermNames(pugi::xml_node node) {
