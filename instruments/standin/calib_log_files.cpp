@@ -1,5 +1,7 @@
 #include "instruments/standin/calib_log_files.h"
 
+#include <fmt/format.h>
+
 #include "component/automation/convert.h"
 #include "component/automation/number_text.h"
 
@@ -9,7 +11,7 @@ namespace {
 std::string UnusedPath(FileSystem& files, const std::string& stem, const std::string& extension) {
   std::string path = stem + "." + extension;
   for (int number = 2; files.FileExists(path); ++number) {
-    path = stem + "_" + std::to_string(number) + "." + extension;
+    path = fmt::format("{}_{}.{}", stem, number, extension);
   }
   return path;
 }

@@ -1,6 +1,5 @@
 #include "instruments/standin/operation.h"
 
-#include <algorithm>
 #include <array>
 
 namespace tof::standin {
@@ -80,10 +79,10 @@ std::string_view NameOf(Operation operation) {
 }
 
 std::optional<Operation> OperationOfName(std::string_view name) {
-  const auto entry = std::find_if(kEntries.begin(), kEntries.end(), [name](const Entry& candidate) {
-    return candidate.name == name;
-  });
-  return entry == kEntries.end() ? std::nullopt : std::optional(entry->operation);
+  for (const Entry& entry : kEntries) {
+    if (entry.name == name) return entry.operation;
+  }
+  return std::nullopt;
 }
 
 }  // namespace tof::standin

@@ -12,7 +12,7 @@ namespace tof::standin {
 
 // A failure to be met on purpose.
 struct Fault {
-  Operation operation;
+  Operation operation{};
   std::int64_t call = 1;            // the n-th call of the operation, from 1
   bool and_all_later_ones = false;  // else that call only
 };
