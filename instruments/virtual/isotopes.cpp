@@ -22,20 +22,22 @@ struct Isotope {
 // (2021). Abundances: M. Berglund, M. E. Wieser, "Isotopic compositions of the elements 2009", Pure
 // Appl. Chem. 83, 397 (2011). In each of these elements the lightest isotope is the most abundant
 // one.
-constexpr Isotope kHydrogen[] = {{0, 1.00782503190, 0.999885}, {1, 2.01410177784, 0.000115}};
-constexpr Isotope kCarbon[] = {{0, 12.0, 0.9893}, {1, 13.00335483534, 0.0107}};
-constexpr Isotope kNitrogen[] = {{0, 14.00307400425, 0.99636}, {1, 15.00010889827, 0.00364}};
-constexpr Isotope kOxygen[] = {
-    {0, 15.99491461926, 0.99757}, {1, 16.99913175595, 0.00038}, {2, 17.99915961214, 0.00205}};
-constexpr Isotope kFluorine[] = {{0, 18.99840316207, 1.0}};
-constexpr Isotope kSodium[] = {{0, 22.9897692820, 1.0}};
-constexpr Isotope kSilicon[] = {
-    {0, 27.97692653442, 0.92223}, {1, 28.97649466434, 0.04685}, {2, 29.97377014, 0.03092}};
-constexpr Isotope kPhosphorus[] = {{0, 30.97376199768, 1.0}};
-constexpr Isotope kSulfur[] = {{0, 31.97207117354, 0.9499},
-                               {1, 32.97145890862, 0.0075},
-                               {2, 33.96786701, 0.0425},
-                               {4, 35.96708069, 0.0001}};
+constexpr auto kHydrogen =
+    std::to_array<Isotope>({{0, 1.00782503190, 0.999885}, {1, 2.01410177784, 0.000115}});
+constexpr auto kCarbon = std::to_array<Isotope>({{0, 12.0, 0.9893}, {1, 13.00335483534, 0.0107}});
+constexpr auto kNitrogen =
+    std::to_array<Isotope>({{0, 14.00307400425, 0.99636}, {1, 15.00010889827, 0.00364}});
+constexpr auto kOxygen = std::to_array<Isotope>(
+    {{0, 15.99491461926, 0.99757}, {1, 16.99913175595, 0.00038}, {2, 17.99915961214, 0.00205}});
+constexpr auto kFluorine = std::to_array<Isotope>({{0, 18.99840316207, 1.0}});
+constexpr auto kSodium = std::to_array<Isotope>({{0, 22.9897692820, 1.0}});
+constexpr auto kSilicon = std::to_array<Isotope>(
+    {{0, 27.97692653442, 0.92223}, {1, 28.97649466434, 0.04685}, {2, 29.97377014, 0.03092}});
+constexpr auto kPhosphorus = std::to_array<Isotope>({{0, 30.97376199768, 1.0}});
+constexpr auto kSulfur = std::to_array<Isotope>({{0, 31.97207117354, 0.9499},
+                                                 {1, 32.97145890862, 0.0075},
+                                                 {2, 33.96786701, 0.0425},
+                                                 {4, 35.96708069, 0.0001}});
 
 constexpr double kElectronMassU = 5.48579909065e-4;  // CODATA 2018
 

@@ -136,6 +136,7 @@ std::vector<Species> BuiltInCalibrants() {
                                                {21, 1.489},
                                                {26, 1.703}}};
   std::vector<Species> calibrants;
+  calibrants.reserve(kClusters.size());
   for (const auto& [n, ions_per_pulse] : kClusters) {
     calibrants.push_back(
         SpeciesOfFormula(fmt::format("C{0}H{0}O{1}Na{2}", n, 2 * n, n + 1), ions_per_pulse));
