@@ -9,7 +9,19 @@
 namespace tof::description {
 namespace {
 
-using namespace virtual_instrument;
+using virtual_instrument::AcquisitionParameters;
+using virtual_instrument::AnalyzerParameters;
+using virtual_instrument::DetectorParameters;
+using virtual_instrument::DriftParameters;
+using virtual_instrument::FlickerParameters;
+using virtual_instrument::GainChannel;
+using virtual_instrument::Parameters;
+using virtual_instrument::RfGuideParameters;
+using virtual_instrument::SettlingParameters;
+using virtual_instrument::Species;
+using virtual_instrument::SpeciesOfFormula;
+using virtual_instrument::SpeciesOfMass;
+using virtual_instrument::VirtualSourceParameters;
 
 // An attribute and the parameter that it sets.
 template <typename Group>

@@ -49,7 +49,7 @@ void XmlElement::Check(const Content& content) const {
     if (Contains(seen, attribute.name())) {
       Fail("attribute " + Quoted(attribute.name()) + " twice", "each attribute once");
     }
-    seen.push_back(attribute.name());
+    seen.emplace_back(attribute.name());
   }
   seen.clear();
   for (const pugi::xml_node child : node_.children()) {
@@ -67,7 +67,7 @@ void XmlElement::Check(const Content& content) const {
     if (once && Contains(seen, child.name())) {
       file_.Fail(child, "element " + Quoted(child.name()) + " twice", "it once");
     }
-    seen.push_back(child.name());
+    seen.emplace_back(child.name());
   }
 }
 
