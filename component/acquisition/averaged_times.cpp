@@ -49,7 +49,8 @@ BoundedArray<double> AveragedFlightTimes(const PeakAttribsTable& parsed, const P
 
 }  // namespace
 
-Variant GetAveragedTimesForCalibration(Instrument& instrument, HostServices& host, AicLog& aic_log,
+Variant GetAveragedTimesForCalibration(Instrument& instrument, HostServices& host,
+                                       std::int32_t oct_rf_setpoint_id, AicLog& aic_log,
                                        CalibrantData& data, const Variant& varExpectedMasses,
                                        std::int16_t nAvgSpectra, bool bEnableAbImmuneCalib,
                                        double& dPeakFindWindow) {
@@ -62,7 +63,8 @@ Variant GetAveragedTimesForCalibration(Instrument& instrument, HostServices& hos
     trace.TracePrint("dPeakFindTimeWindow = ", dPeakFindWindow);
     if (bEnableAbImmuneCalib) {
       trace.TracePrint("Going to be saving to varAveragedMeasuredTimes");
-      return GetTimeSpannedCalibrantPeakTimes(nAvgSpectra, dPeakFindWindow);
+      return GetTimeSpannedCalibrantPeakTimes(instrument, host, oct_rf_setpoint_id, aic_log, data,
+                                              nAvgSpectra, dPeakFindWindow);
     }
     const PeakAttribsTable parsed =
         TakeSpectra(instrument, masses, dPeakFindWindow, nAvgSpectra, data);

@@ -14,13 +14,15 @@ struct CalibrantData {
   Variant expected_masses;  // doubles from 0; Empty until the driver stores them
   PeakTable peaks;
   MeasuredTimes measured_times;
+  BoundedArray<double> ab_scalars;  // per mass of the instrument's calibrant list; AIC alone
 };
 
 // Averaged flight times (ns) of `varExpectedMasses`, one per mass from 0; Empty on any failure or
 // abort, with what was measured until then left in `data`. The traditional path takes one spectrum
 // that is not stored, then `nAvgSpectra` at the instrument's present settings; AIC hands over to
 // GetTimeSpannedCalibrantPeakTimes. A window of exactly -1 is replaced in the caller's variable.
-Variant GetAveragedTimesForCalibration(Instrument& instrument, HostServices& host, AicLog& aic_log,
+Variant GetAveragedTimesForCalibration(Instrument& instrument, HostServices& host,
+                                       std::int32_t oct_rf_setpoint_id, AicLog& aic_log,
                                        CalibrantData& data, const Variant& varExpectedMasses,
                                        std::int16_t nAvgSpectra, bool bEnableAbImmuneCalib,
                                        double& dPeakFindWindow);

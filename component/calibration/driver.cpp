@@ -188,7 +188,8 @@ void Calibration::MeasureAveragedTimes() {
   averaged = Variant::Array(0, last_mass);
 
   trace_.TracePrint("1.5");
-  averaged = GetAveragedTimesForCalibration(instrument_, host_, state_.aic_log, state_.data,
+  averaged = GetAveragedTimesForCalibration(instrument_, host_, state_.oct_rf_setpoint_id,
+                                            state_.aic_log, state_.data,
                                             state_.data.expected_masses, arguments_.nAvgSpectra,
                                             bEnableAbImmuneCalib_, arguments_.dPeakFindTimeWindow);
   if (averaged.IsEmpty()) {

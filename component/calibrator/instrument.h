@@ -21,6 +21,7 @@ struct Instrument {
   std::shared_ptr<TuneFlags> tune_flags;
   std::shared_ptr<CalibSettings> calib_settings;
   InstrumentFactory* factory = nullptr;  // for new objects and shared ones
+  double settling_time_sec = 0.0;        // read once, at creation; 0 without a configuration object
 };
 
 // Setpoint ids; those whose meaning the instrument does not state keep their number.

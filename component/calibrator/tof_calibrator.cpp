@@ -29,7 +29,7 @@ TofCalibrator::TofCalibrator(InstrumentFactory& factory, HostServices& host, Sta
   CreateTraceObject(host_, "vorntofcaliblib");
   instrument_ = CreateInstrument(factory);
   if (instrument_.data_dictionary->GetConfigObject() != nullptr) {
-    m_SettlingTime_sec_ = CalibrationSetting(instrument_, "AICSettlingTime_sec");
+    instrument_.settling_time_sec = CalibrationSetting(instrument_, "AICSettlingTime_sec");
   }
 }
 
@@ -59,9 +59,9 @@ Variant TofCalibrator::GetAveragedTimesForCalibration(const Variant& varExpected
                                                       std::int16_t& nAvgSpectra,
                                                       bool& bEnableAbImmuneCalib,
                                                       double& dPeakFindWindow) {
-  return tof::GetAveragedTimesForCalibration(instrument_, host_, state_.aic_log, state_.data,
-                                             varExpectedMasses, nAvgSpectra, bEnableAbImmuneCalib,
-                                             dPeakFindWindow);
+  return tof::GetAveragedTimesForCalibration(instrument_, host_, state_.oct_rf_setpoint_id,
+                                             state_.aic_log, state_.data, varExpectedMasses,
+                                             nAvgSpectra, bEnableAbImmuneCalib, dPeakFindWindow);
 }
 
 Variant TofCalibrator::GetAveragedTimesForCalibration(const Variant& varExpectedMasses,

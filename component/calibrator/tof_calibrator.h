@@ -63,7 +63,6 @@ class TofCalibrator {
   StatusEvents& events_;
   Instrument instrument_;
   CalibrationState state_;
-  double m_SettlingTime_sec_ = 0.0;
 };
 
 }  // namespace tof
