@@ -74,7 +74,7 @@ void FindRFVoltageCloserToTargetAbundance(const TargetSearch& search, PeakTable&
                              .error_line = ErrorLine::kNumberOnly};
   Guarded(kRoutine, [&](TraceObj& trace) {
     // Not used further; a negative step ends the search here.
-    SquareRoot(ToInt32(stepSize));
+    ToInt32(SquareRoot(stepSize));
     trace.TracePrint("1");
     CalibMassPeakData& record = peaks(massIdx);
     const double end = record.Voltage + stepSize - 1;
