@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <sstream>
 
 #include "component/automation/convert.h"
 
@@ -219,7 +220,7 @@ class Parser : public SpecParser, Part {
   }
   double GetPeakAttribute(PeakCalculationtype, double mass, double tolerance) override {
     Enter("SpecParser.GetPeakAttribute(" + ToText(mass) + "," + ToText(tolerance) + ")");
-    return fake.abundance;
+    return fake.AbundanceNow(mass);
   }
   void FindPeaks(double start_ns, double end_ns, std::int32_t sought, std::int32_t& count,
                  std::shared_ptr<PeakList>& list) override {
@@ -246,14 +247,20 @@ class Parser : public SpecParser, Part {
   }
   void SearchTargetAbundance(double mass, double tolerance) override {
     Enter("SpecParser.SearchTargetAbundance(" + ToText(mass) + "," + ToText(tolerance) + ")");
+    fake.setpoints.at(fake.AicSetpointId()) = fake.SearchedRfValue(mass);
   }
 
  private:
   void FillPair(double mass, double shift, PeakAttribs& row0, PeakAttribs& row1) const {
+    const double abundance = fake.AbundanceNow(mass);
+    if (abundance == 0.0) {
+      row0.time = row1.time = std::numeric_limits<double>::quiet_NaN();
+      return;
+    }
     const double time = fake.TrueTime(mass) + shift;
     const double root = fake.in_force->record[0] * (time - fake.in_force->record[1]);
-    row0 = {.time = time, .abundance = fake.abundance, .attribute48 = time / 40000.0};
-    row1 = {.time = root * root, .attribute32 = root * root - mass, .abundance = fake.abundance};
+    row0 = {.time = time, .abundance = abundance, .attribute48 = time / 40000.0};
+    row1 = {.time = root * root, .attribute32 = root * root - mass, .abundance = abundance};
   }
 };
 
@@ -313,10 +320,30 @@ class Paths : public InstrumentPaths, Part {
 class Firmware : public FirmwareLibrary, Part {
  public:
   using Part::Part;
-  float BinarySearchForTargetAb(std::int32_t, float, float, float, float, float, float,
-                                std::int32_t, float, float) override {
-    Enter("FirmwareLibrary.BinarySearchForTargetAb");
-    return 0.0F;
+  // Looks for the one peak in its window of flight times, and leaves the setpoint alone.
+  float BinarySearchForTargetAb(std::int32_t argument1, float minimum, float maximum,
+                                float speed_up_factor, float argument5, float argument6,
+                                float argument7, std::int32_t argument8, float start_ns,
+                                float end_ns) override {
+    std::string call = "FirmwareLibrary.BinarySearchForTargetAb(" + std::to_string(argument1);
+    for (const float value : {minimum, maximum, speed_up_factor, argument5, argument6, argument7}) {
+      call += "," + SingleText(value);
+    }
+    Enter(call + "," + std::to_string(argument8) + "," + SingleText(start_ns) + "," +
+          SingleText(end_ns) + ")");
+    for (const double mass : fake.sample_masses) {
+      const double time = fake.TrueTime(mass);
+      if (time >= start_ns && time <= end_ns) return static_cast<float>(fake.SearchedRfValue(mass));
+    }
+    return argument6;
+  }
+
+ private:
+  // The six digits that a single holds for certain.
+  static std::string SingleText(float value) {
+    std::ostringstream text;
+    text << value;
+    return text.str();
   }
 };
 
@@ -354,6 +381,28 @@ FakeInstrument::FakeInstrument(Journal& the_journal, FakeHost& the_host)
 
 double FakeInstrument::TrueTime(double mass) const {
   return true_t0_ns + std::sqrt(mass) / true_a_per_ns;
+}
+
+std::int32_t FakeInstrument::AicSetpointId() const {
+  return ToInt32(settings.at("Calibration/AIC_SetpointToUse"));
+}
+
+double FakeInstrument::AbundanceNow(double mass) const {
+  if (!abundance_at) return abundance;
+  return abundance_at(mass, ToDouble(setpoints.at(AicSetpointId())));
+}
+
+double FakeInstrument::SearchedRfValue(double mass) const {
+  if (searched_rf_value) return searched_rf_value(mass);
+  constexpr int kHighest = 160;
+  constexpr int kLowest = 20;
+  const double minimum = settings.at("Calibration/AIC_TargetMinAb") * scale_factor;
+  const double maximum = settings.at("Calibration/AIC_TargetMaxAb") * scale_factor;
+  for (int value = kHighest; value > kLowest; --value) {
+    const double there = abundance_at ? abundance_at(mass, value) : abundance;
+    if (there >= minimum && there <= maximum) return value;
+  }
+  return kLowest;
 }
 
 std::shared_ptr<FakeCoefficients> FakeInstrument::NewCoefficients(double a_per_ns, double t0_ns) {

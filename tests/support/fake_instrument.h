@@ -24,6 +24,12 @@ class FakeInstrument : public InstrumentFactory {
   double true_a_per_ns = 0.00065;
   double true_t0_ns = 300.0;
   double abundance = 150000.0;
+  // The abundance of a mass at a value of the AIC setpoint; none: `abundance` for all. A mass
+  // without ions is a peak that is not found.
+  std::function<double(double mass, double rf_value)> abundance_at;
+  // Where the searches of the parser and of the firmware put the AIC setpoint; none: at the highest
+  // whole value from 160 down to 20 with an abundance in the target band, at 20 without any.
+  std::function<double(double mass)> searched_rf_value;
   // Added to the flight time of spectrum n (from 0), ns; spectra beyond the end add nothing.
   std::vector<double> spectrum_shift_ns;
   // Called while a spectrum is taken, e.g. to let the acquisition software move setpoints.
@@ -66,6 +72,10 @@ class FakeInstrument : public InstrumentFactory {
   std::int32_t aic_ends = 0;
 
   double TrueTime(double mass) const;
+  std::int32_t AicSetpointId() const;
+  // What a spectrum taken now shows of a mass.
+  double AbundanceNow(double mass) const;
+  double SearchedRfValue(double mass) const;
   std::shared_ptr<FakeCoefficients> NewCoefficients(double a_per_ns, double t0_ns);
 
   std::shared_ptr<DataDictionary> CreateDataDictionary() override;
