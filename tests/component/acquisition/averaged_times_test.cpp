@@ -42,7 +42,7 @@ class AveragedTimes : public fakes::CalibrationFixture {
     journal.Clear();
   }
   Variant Measure(bool aic = false) {
-    return GetAveragedTimesForCalibration(parts, host, aic_log, data, masses, n_spectra, aic,
+    return GetAveragedTimesForCalibration(parts, host, 84, aic_log, data, masses, n_spectra, aic,
                                           window);
   }
   double TrueTime(std::int32_t mass_index) const {
