@@ -94,6 +94,13 @@ std::int32_t ToInt32(double value) {
   return ToInteger<std::int32_t>(value);
 }
 
+float ToSingle(double value) {
+  if (std::isfinite(value) && std::fabs(value) > double{std::numeric_limits<float>::max()}) {
+    Raise(RunTimeError::kOverflow);
+  }
+  return static_cast<float>(value);
+}
+
 double ToDouble(const Variant& value) {
   if (const auto* number = value.As<double>()) return *number;
   if (const auto* number = value.As<std::int32_t>()) return *number;

@@ -13,6 +13,10 @@ namespace tof {
 std::int16_t ToInt16(double value);
 std::int32_t ToInt32(double value);
 
+// The nearest single-precision number; NaN and infinite stay so. A finite number beyond the
+// singles: error 6.
+float ToSingle(double value);
+
 // Numbers as they are; Empty is 0, True is -1; text is read with TextToDouble. Anything else
 // (missing, arrays, objects): error 13.
 double ToDouble(const Variant& value);

@@ -54,6 +54,23 @@ void ExpectConverted(Integer (*convert)(double), const IntegerCase& one) {
   }
 }
 
+TEST(ConversionToSingle, TakesTheNearestSingle) {
+  EXPECT_EQ(ToSingle(0.1), 0.1F);
+  EXPECT_EQ(ToSingle(-16777217.0), -16777216.0F);
+  EXPECT_EQ(ToSingle(1e-60), 0.0F);
+  EXPECT_EQ(ToSingle(double{std::numeric_limits<float>::max()}), std::numeric_limits<float>::max());
+}
+
+TEST(ConversionToSingle, KeepsNaNAndInfinity) {
+  EXPECT_TRUE(std::isnan(ToSingle(kNaN)));
+  EXPECT_EQ(ToSingle(-kInfinity), -std::numeric_limits<float>::infinity());
+}
+
+TEST(ConversionToSingle, RefusesAFiniteNumberBeyondTheSingles) {
+  EXPECT_EQ(ErrorNumberOf([] { ToSingle(3.5e38); }), 6);
+  EXPECT_EQ(ErrorNumberOf([] { ToSingle(-1e300); }), 6);
+}
+
 class ToInt16Rule : public testing::TestWithParam<IntegerCase> {};
 
 TEST_P(ToInt16Rule, RoundsHalvesToEvenUnderEveryRoundingMode) {
