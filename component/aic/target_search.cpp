@@ -16,7 +16,9 @@ using AbundanceByVolt = BoundedArray<std::int32_t>;
 
 void MeasureVolts(const TargetSearch& search, TraceObj& trace, std::int32_t massIdx,
                   std::int32_t first_volt, AbundanceByVolt& abundances) {
-  for (std::int32_t volt = first_volt; volt <= abundances.UBound(); ++volt) {
+  // Counted in 64 bits, as the last volt may be the last 32-bit number.
+  for (std::int64_t v = first_volt; v <= abundances.UBound(); ++v) {
+    const auto volt = static_cast<std::int32_t>(v);
     trace.TracePrint("4");
     search.rf.Write(volt);
     trace.TracePrint("5");
@@ -37,7 +39,8 @@ void MeasureVolts(const TargetSearch& search, TraceObj& trace, std::int32_t mass
 
 void ChooseVolt(const TargetSearch& search, TraceObj& trace, std::int32_t massIdx,
                 const AbundanceByVolt& abundances, CalibMassPeakData& record) {
-  for (std::int32_t volt = abundances.LBound(); volt <= abundances.UBound(); ++volt) {
+  for (std::int64_t v = abundances.LBound(); v <= abundances.UBound(); ++v) {
+    const auto volt = static_cast<std::int32_t>(v);
     const std::int32_t abundance = abundances(volt);
     trace.TracePrint("arrAbundances(lVoltage) = ", abundance);
     const double ceiling =

@@ -38,6 +38,20 @@ inline Calls SetpointWritten(std::int32_t id, ValueType type, const std::string&
                         std::to_string(static_cast<int>(type)) + "," + value + ")");
 }
 
+inline Calls FlagRead(const std::string& key) {
+  return {"TuneFlags.GetFlag(" + key + ",-1)"};
+}
+
+// `key` with its section, as in "Calibration/UseThisPowerFlag".
+inline Calls SettingRead(const std::string& key) {
+  return {"CalibSettings.GetValue(" + key + ",0)"};
+}
+
+// Of "AIC_TargetMaxAb" or "AIC_TargetMinAb".
+inline Calls BandLimitRead(const std::string& key) {
+  return InOrder({SettingRead("Calibration/" + key), {"AcqController.GetScaleFactor"}});
+}
+
 // What WriteToAICLog asks before it writes a line, and while the flags let it write.
 inline Calls AicLogAsked(const std::string& flag_key) {
   return {"DataDictionary.GetFlagKey", "TuneFlags.GetFlag(" + flag_key + ",-1)"};

@@ -52,8 +52,7 @@ TEST_F(ReplacingBelowMinimum, OnlyLogsTheTableWhenAllMassesReachTheMinimum) {
   Replace();
   EXPECT_EQ(Log(), kIntroduction + kHeading + "[0, 80, 100]\r\n[1, 70, 412]\r\n[2, 60, 5000]\r\n");
   EXPECT_EQ(instrument.spectra_taken, 0);
-  const Calls minimum = {"CalibSettings.GetValue(Calibration/AIC_TargetMinAb,0)",
-                         "AcqController.GetScaleFactor"};
+  const Calls minimum = fakes::BandLimitRead("AIC_TargetMinAb");
   EXPECT_THAT(CallsMade(),
               ElementsAreArray(InOrder({Logged(2), fakes::Repeated(3, minimum), Logged(5)})));
 }

@@ -45,8 +45,7 @@ TEST_F(FindingACloserVoltage, WalksTheStepVoltByVolt) {
     return InOrder({RfWritten(value), fakes::kSettled, SpectrumTaken("-1"),
                     Calls{"Host.ProcessPendingMessages"}, Logged()});
   };
-  const Calls maximum = {"CalibSettings.GetValue(Calibration/AIC_TargetMaxAb,0)",
-                         "AcqController.GetScaleFactor"};
+  const Calls maximum = fakes::BandLimitRead("AIC_TargetMaxAb");
   EXPECT_THAT(CallsMade(), ElementsAreArray(InOrder({one_volt("81"), one_volt("82"), one_volt("83"),
                                                      fakes::Repeated(4, maximum), Logged()})));
   EXPECT_EQ(RfValue(), 83.0);
@@ -175,6 +174,18 @@ TEST_F(FindingACloserVoltage, EndsAtAStepThatCannotBeWalked) {
   EXPECT_EQ(data.peaks(1).Voltage, 80.0);
 }
 
+TEST_F(FindingACloserVoltage, WalksUpToTheLast32BitNumberAndNotBeyondIt) {
+  data.peaks(1).Voltage = 2147483645.0;
+  instrument.abundance_at = [](double, double volts) { return volts - 2147483600.0; };
+  Find(3.0);
+  EXPECT_EQ(instrument.spectra_taken, 2);
+  EXPECT_EQ(data.peaks(1).Voltage, 2147483645.0);
+  EXPECT_THAT(Log(), ::testing::EndsWith("RF voltage, Ab: 2147483647, 47\r\n"
+                                         "No replacement for mass[1]\r\n"));
+  Find(4.0);
+  EXPECT_EQ(LastTrace(), "Error[6] = Overflow");
+}
+
 TEST_F(FindingACloserVoltage, EndsAtAMassThatIsNotThere) {
   FindRFVoltageCloserToTargetAbundance(
       {parts, host, rf, data.expected_masses, data.ab_scalars, log}, data.peaks, 3, 2.0);
@@ -242,8 +253,7 @@ class HavingHadAnAbundanceAboveTheMin : public fakes::AicFixture {
   }
 };
 
-const Calls kMinimumRead = {"CalibSettings.GetValue(Calibration/AIC_TargetMinAb,0)",
-                            "AcqController.GetScaleFactor"};
+const Calls kMinimumRead = fakes::BandLimitRead("AIC_TargetMinAb");
 
 TEST_F(HavingHadAnAbundanceAboveTheMin, IsTrueForAnAbundanceExactlyAtTheMinimum) {
   EXPECT_TRUE(HasHad(WithAbundances({99, 100, 99})));

@@ -7,15 +7,6 @@
 
 namespace tof::fakes {
 
-inline Calls FlagRead(const std::string& key) {
-  return {"TuneFlags.GetFlag(" + key + ",-1)"};
-}
-
-// `key` with its section, as in "Calibration/UseThisPowerFlag".
-inline Calls SettingRead(const std::string& key) {
-  return {"CalibSettings.GetValue(" + key + ",0)"};
-}
-
 inline Calls InstrumentStateStored() {
   return InOrder({SetpointRead(128), SetpointRead(18), SetpointRead(150), SetpointRead(149)});
 }
