@@ -44,4 +44,14 @@ std::int32_t GetAveragedPeakAbundance(Instrument& instrument, double dMass, std:
   });
 }
 
+void LogIfOutsideBand(Instrument& instrument, AicLog& aic_log, std::int32_t massIdx,
+                      const CalibMassPeakData& record, std::int32_t max_allowable_abundance) {
+  const bool below = record.Abundance < AIC_TargetMinAb(instrument);
+  if (!below && record.Abundance <= max_allowable_abundance) return;
+  WriteToAICLog(instrument, aic_log,
+                "mass[" + std::to_string(massIdx) + "] stays " +
+                    (below ? "below the minimum" : "above the maximum") + ", [voltage,ab]=[" +
+                    NumberText(record.Voltage) + ", " + std::to_string(record.Abundance) + "]");
+}
+
 }  // namespace tof

@@ -1,10 +1,11 @@
-// Abundances: the profile that scales the target band per mass, and the averaged abundance of a
-// peak.
+// Abundances: the profile that scales the target band per mass, the averaged abundance of a peak,
+// and the word on masses outside the band.
 #pragma once
 
 #include <cstdint>
 
 #include "component/calibrator/aic_log.h"
+#include "component/calibrator/peak_records.h"
 
 namespace tof {
 
@@ -18,5 +19,10 @@ void ReadAbundanceScalarsFromXML(Instrument& instrument, AicLog& aic_log,
 // The mean abundance of the peak at `dMass` over `nSpectra` readings of the newest spectrum,
 // rounded halves to even. 0 readings are a division of 0 by 0.
 std::int32_t GetAveragedPeakAbundance(Instrument& instrument, double dMass, std::int32_t nSpectra);
+
+// One line in the AIC log for a mass whose chosen abundance lies below the target minimum or above
+// the maximum: the search could do no better, and nothing else is done about it.
+void LogIfOutsideBand(Instrument& instrument, AicLog& aic_log, std::int32_t massIdx,
+                      const CalibMassPeakData& record, std::int32_t max_allowable_abundance);
 
 }  // namespace tof

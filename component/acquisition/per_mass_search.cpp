@@ -1,5 +1,6 @@
 #include "component/acquisition/per_mass_search.h"
 
+#include <limits>
 #include <string>
 
 #include "component/acquisition/abundance.h"
@@ -16,6 +17,8 @@ constexpr double kSearchTolerance = 0.1;
 constexpr double kLinearStep = 0.1;
 constexpr std::int32_t kSpectraPerAveragedAbundance = 3;
 constexpr double kHalfFirmwareWindowNs = 15.0;
+// As many as a ramp can have: a lower limit that is never reached must not keep the search going.
+constexpr std::int32_t kMostLinearSteps = std::numeric_limits<std::int16_t>::max();
 
 // One mass on its way to its voltage.
 struct Searched {
@@ -41,12 +44,12 @@ void SearchByFirmware(const SurveyContext& context, TraceObj& trace,
   const double minimum = AIC_TargetMinAb(instrument);
   const double maximum = AIC_TargetMaxAb(instrument);
   const double expected_ns = coefficients.MassToTime(searched.mass);
-  const auto single = [](double value) { return static_cast<float>(value); };
   searched.setpoint_value =
       Need(instrument.factory->GetFirmwareLibrary())
-          .BinarySearchForTargetAb(22, single(minimum), single(maximum), single(speed_up), 0.1F,
-                                   20.0F, 160.0F, 1, single(expected_ns - kHalfFirmwareWindowNs),
-                                   single(expected_ns + kHalfFirmwareWindowNs));
+          .BinarySearchForTargetAb(22, ToSingle(minimum), ToSingle(maximum), ToSingle(speed_up),
+                                   0.1F, 20.0F, 160.0F, 1,
+                                   ToSingle(expected_ns - kHalfFirmwareWindowNs),
+                                   ToSingle(expected_ns + kHalfFirmwareWindowNs));
   // The setpoint to apply it to is read again rather than remembered.
   const RfVoltage to_use(instrument, context.host,
                          ToInt32(CalibrationSetting(instrument, "AIC_SetpointToUse")));
@@ -77,8 +80,10 @@ void AdjustLinearly(const SurveyContext& context, TraceObj& trace, const PerMass
   TraceAndLog(context, trace,
               "starting SP Value[" + NumberText(value) + "], dMassAbundance[" +
                   std::to_string(abundance) + "]");
-  // The limit is tested behind each step: the measurement below it is the last.
-  while (abundance > search.max_allowable_abundance && !(value < search.lower_limit)) {
+  // The measurement below the limit is the last; a limit that is no number allows no step.
+  std::int32_t steps = 0;
+  while (abundance > search.max_allowable_abundance && value >= search.lower_limit) {
+    if (++steps > kMostLinearSteps) Raise(RunTimeError::kOverflow);
     TraceAndLog(context, trace, "dMassAbundance = " + std::to_string(abundance));
     value -= kLinearStep;
     context.rf.Write(value);
@@ -103,17 +108,6 @@ void Search(const SurveyContext& context, TraceObj& trace, const PerMassSearch& 
   AdjustLinearly(context, trace, search, searched);
 }
 
-// Says which masses stay outside the band; nothing else is done about them.
-void LogOutsideBand(const SurveyContext& context, const PerMassSearch& search,
-                    const Searched& searched, std::int32_t abundance) {
-  const bool below = abundance < AIC_TargetMinAb(context.instrument);
-  if (!below && abundance <= search.max_allowable_abundance) return;
-  WriteToAICLog(context.instrument, context.aic_log,
-                "mass[" + std::to_string(searched.index) + "] stays " +
-                    (below ? "below the minimum" : "above the maximum") + ", [voltage,ab]=[" +
-                    NumberText(searched.setpoint_value) + ", " + std::to_string(abundance) + "]");
-}
-
 void StoreMass(const SurveyContext& context, TraceObj& trace, const PerMassSearch& search,
                const Searched& searched) {
   const PeakAttribsTable parsed = context.instrument.spec_parser->GetCalibrantPeakAttributes(
@@ -128,7 +122,8 @@ void StoreMass(const SurveyContext& context, TraceObj& trace, const PerMassSearc
                    searched.setpoint_value, ", ", abundance, "]");
   trace.TracePrint("massIdx[", searched.index, "] SPValue,Ab = [", searched.setpoint_value, ", ",
                    abundance, "]");
-  LogOutsideBand(context, search, searched, abundance);
+  LogIfOutsideBand(context.instrument, context.aic_log, searched.index, record,
+                   search.max_allowable_abundance);
 }
 
 void FindVoltage(const SurveyContext& context, TraceObj& trace, const PerMassSearch& search,

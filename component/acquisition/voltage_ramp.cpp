@@ -1,7 +1,6 @@
 #include "component/acquisition/voltage_ramp.h"
 
-#include <string>
-
+#include "component/acquisition/abundance.h"
 #include "component/acquisition/store_attributes.h"
 #include "component/aic/set_and_measure.h"
 #include "component/automation/arithmetic.h"
@@ -64,18 +63,6 @@ void ExamineMass(TraceObj& trace, const PeakAttribsTable& parsed, std::int32_t m
   }
 }
 
-void LogMassesAboveMaximum(const SurveyContext& context, const Choices& choices) {
-  for (std::int32_t m = choices.LBound(); m <= choices.UBound(); ++m) {
-    if (choices(m).stored) continue;
-    const CalibMassPeakData& record = context.data.peaks(m);
-    WriteToAICLog(
-        context.instrument, context.aic_log,
-        "mass[" + std::to_string(m) +
-            "] was above the maximum at every voltage; using the nearest, [voltage,ab]=[" +
-            NumberText(record.Voltage) + ", " + std::to_string(record.Abundance) + "]");
-  }
-}
-
 }  // namespace
 
 void RampVoltage(const SurveyContext& context, TraceObj& trace, const RfRange& range,
@@ -102,7 +89,9 @@ void RampVoltage(const SurveyContext& context, TraceObj& trace, const RfRange& r
                   choices(m), data.peaks(m));
     }
   }
-  LogMassesAboveMaximum(context, choices);
+  for (std::int32_t m = 0; m <= last_mass; ++m) {
+    LogIfOutsideBand(instrument, context.aic_log, m, data.peaks(m), max_allowable_abundance);
+  }
 }
 
 }  // namespace tof
