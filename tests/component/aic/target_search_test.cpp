@@ -13,7 +13,6 @@ using fakes::Calls;
 using fakes::InOrder;
 using fakes::RfWritten;
 using fakes::SpectrumTaken;
-using ::testing::AnyOf;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
