@@ -84,7 +84,7 @@ void RampVoltage(const SurveyContext& context, TraceObj& trace, const RfRange& r
     context.rf.Settle();
     const PeakAttribsTable parsed =
         instrument.spec_parser->GetCalibrantPeakAttributes(data.expected_masses, peak_find_window);
-    for (std::int32_t m = parsed.LBound(2); m <= parsed.UBound(2); ++m) {
+    for (std::int32_t m = 0; m <= last_mass; ++m) {
       ExamineMass(trace, parsed, m, voltage, max_allowable_abundance, data.ab_scalars(m),
                   choices(m), data.peaks(m));
     }
