@@ -133,6 +133,119 @@ TEST_F(DriverWithAic, CorrectsTheGainChannelAndPutsItBack) {
       ElementsAre("SetpointTable.SetSetpoint(149,2,1)", "SetpointTable.SetSetpoint(149,2,3)"));
 }
 
+// A ramp of three steps; every mass is in the band at each.
+class WholeAicRun : public DriverWithAic {
+ protected:
+  WholeAicRun() {
+    instrument.settings["Calibration/AIC_RF_LowValue"] = 20.0;
+    instrument.settings["Calibration/AIC_RF_HighValue"] = 24.0;
+    instrument.settings["Calibration/AIC_RF_Step"] = 2.0;
+    n_spectra = 2;
+  }
+  double RfValue() const { return ToDouble(instrument.setpoints.at(84)); }
+  int OpenStreamsOf(int n) {
+    return host.files.at("D:\\Data\\Logfiles\\AIC_" + std::to_string(n) + ".TXT").open_streams;
+  }
+};
+
+TEST_F(WholeAicRun, CalibratesFromTheTimesAtTheChosenVoltages) {
+  ASSERT_NE(Calibrate(), nullptr);
+  EXPECT_NEAR(instrument.in_force->record[0], instrument.true_a_per_ns, 1e-12);
+  EXPECT_EQ(AsDoubleArray(times).size(), instrument.sample_masses.size());
+  EXPECT_EQ(RfValue(), 75.0);
+  EXPECT_THAT(events.events, ::testing::IsEmpty());
+}
+
+TEST_F(WholeAicRun, ClosesItsLogAndTellsTheInstrumentOfTheEndBehindTheDataLog) {
+  Calibrate();
+  EXPECT_THAT(
+      journal.Only({"AcqController.SetCalibCoefficients", "AcqController.EndAIC",
+                    "CalibLogFiles.OpenLogFile", "TextStream.Close(AIC",
+                    "TextStream.Close(CalibrationData"}),
+      ElementsAre("CalibLogFiles.OpenLogFile(AIC,TXT)", "AcqController.SetCalibCoefficients",
+                  "CalibLogFiles.OpenLogFile(CalibrationData,TXT)",
+                  "TextStream.Close(CalibrationData_2.TXT)", "TextStream.Close(AIC_1.TXT)",
+                  "AcqController.EndAIC"));
+  EXPECT_EQ(OpenStreamsOf(1), 0);
+  const auto texts = DriverTexts();
+  EXPECT_THAT(std::vector<std::string>(texts.end() - 4, texts.end()),
+              ElementsAre("8", "9", "10", "11"));
+}
+
+TEST_F(WholeAicRun, TellsTheInstrumentOfTheEndWithoutALogToo) {
+  instrument.flags["AICLoggingEnabled"] = "Yes";
+  EXPECT_NE(Calibrate(), nullptr);
+  EXPECT_EQ(instrument.aic_ends, 1);
+  EXPECT_EQ(NumberOf("TextStream.Close(AIC"), 0U);
+}
+
+TEST_F(WholeAicRun, OpensALogOf3000ThatGetsNoLineWhileTheFlagKeyIsNotNo) {
+  instrument.flags[instrument.flag_key] = "Yes";
+  EXPECT_NE(Calibrate(), nullptr);
+  EXPECT_EQ(Log(1), "===AIC 20240229 at 13:05:09===\r\nGainChannel = 1\r\n");
+}
+
+TEST_F(WholeAicRun, LeavesSetpointDisplayAndOpenLogAndTellsOfNoEndAfterAnAbort) {
+  instrument.flags["ObfuscateCalibAlg"] = "1";
+  instrument.on_spectrum = [&] {
+    if (instrument.spectra_taken == 8) instrument.abort_requested = -1;
+  };
+  EXPECT_EQ(Calibrate(), nullptr);
+  EXPECT_THAT(events.events, ElementsAre(std::pair(1, std::string("User aborted"))));
+  EXPECT_EQ(RfValue(), 20.0);
+  EXPECT_FALSE(instrument.display_live);
+  EXPECT_EQ(OpenStreamsOf(1), 1);
+  EXPECT_EQ(instrument.aic_ends, 0);
+}
+
+TEST_F(WholeAicRun, PutsBackWhatAnAbortLeftButTheSetpointWithTheNextSuccess) {
+  instrument.flags["ObfuscateCalibAlg"] = "1";
+  instrument.on_spectrum = [&] {
+    if (instrument.spectra_taken == 8) instrument.abort_requested = -1;
+  };
+  EXPECT_EQ(Calibrate(), nullptr);
+  instrument.on_spectrum = [] {};
+  instrument.abort_requested = 0;
+  EXPECT_NE(Calibrate(), nullptr);
+  EXPECT_EQ(RfValue(), 20.0) << "the value that the second run found";
+  EXPECT_TRUE(instrument.display_live);
+  EXPECT_EQ(OpenStreamsOf(1), 0);
+  EXPECT_EQ(instrument.aic_ends, 1);
+}
+
+TEST_F(WholeAicRun, ReportsAFaultOfTheAcquisitionAsTheMissingTimes) {
+  instrument.settings["Calibration/AIC_RF_Step"] = 0.0;
+  EXPECT_EQ(Calibrate(), nullptr);
+  EXPECT_THAT(events.events, ElementsAre(std::pair(13, std::string("Type mismatch"))));
+  EXPECT_EQ(instrument.aic_ends, 0);
+}
+
+TEST_F(WholeAicRun, MeasuresAnewForTheSecondFit) {
+  instrument.bad_fits = {0.5};
+  EXPECT_NE(Calibrate(), nullptr);
+  EXPECT_EQ(NumberOf("Trace.Entry(GetTimeSpannedCalibrantPeakTimes"), 2U);
+  EXPECT_EQ(instrument.aic_ends, 1);
+  EXPECT_EQ(NumberOf("CalibLogFiles.OpenLogFile(AIC"), 1U);
+}
+
+TEST_F(WholeAicRun, EndsAicAfterTwoBadFitsInNoWay) {
+  instrument.bad_fits = {0.5, 0.5};
+  EXPECT_EQ(Calibrate(), nullptr);
+  EXPECT_EQ(instrument.aic_ends, 0);
+  EXPECT_EQ(OpenStreamsOf(1), 1);
+  EXPECT_EQ(RfValue(), 75.0) << "each acquisition had put it back";
+}
+
+TEST_F(WholeAicRun, LeavesTheAttributesForTheDataSetOfTheHost) {
+  Calibrate();
+  const std::string& data_set =
+      host.files.at("D:\\Data\\Logfiles\\AbImmunecalib_SpotFireDataSetLog.csv").bytes;
+  const std::string first = data_set;
+  calibrator->WriteDataToSpotFireLog();
+  EXPECT_EQ(std::count(data_set.begin(), data_set.end(), '\n'),
+            2 * std::count(first.begin(), first.end(), '\n') - 1);
+}
+
 TEST_F(Driver, LeavesTheGainChannelAloneWithoutAic) {
   instrument.setpoints[18] = std::int16_t{2};
   instrument.setpoints[149] = std::int16_t{3};
