@@ -48,6 +48,71 @@ TEST_F(GoldenRun, TracesAndLogsACalibrationThatFailsTwiceByteByByte) {
   EXPECT_EQ(host.files.count("D:\\Data\\Logfiles\\CalibrationData_1.TXT"), 0U);
 }
 
+// Each mass is in the band at another voltage; the last one is too weak everywhere.
+class AicGoldenRun : public GoldenRun {
+ protected:
+  AicGoldenRun() {
+    instrument.sample_masses = {118.0863, 322.0481, 622.029, 922.0098};
+    masses = Variant::DoubleArray(instrument.sample_masses);
+    n_spectra = 2;
+    instrument.flags["AIC_AlwaysRunOnly"] = "Yes";
+    instrument.flags[instrument.flag_key] = "No";
+    instrument.flags["AICLoggingEnabled"] = "3000";
+    instrument.flags["TraceAICPeakAttributes"] = "Yes";
+    instrument.flags["SkipCalcLikelyABeforeCalibration"] = "Yes";
+    instrument.flags["SkipCalcLikelyABeforeCalibration_LikelyA"] = "0.65";
+    instrument.flags["SkipCalcLikelyABeforeCalibration_t0"] = "0.3";
+    instrument.settings["Calibration/AIC_RF_LowValue"] = 60.0;
+    instrument.settings["Calibration/AIC_RF_HighValue"] = 75.0;
+    instrument.settings["Calibration/AIC_RF_Step"] = 2.5;
+    instrument.spectrum_shift_ns.clear();
+    instrument.abundance_at = [](double mass, double volts) {
+      return mass > 900.0 ? 40000.25 : CountsPerVolt(mass) * (volts - 50.0);
+    };
+    for (int n = 0; n < 30; ++n) {
+      instrument.spectrum_shift_ns.push_back(0.0625 * (n * 7 % 11 - 5));
+    }
+  }
+  static double CountsPerVolt(double mass) {
+    if (mass < 300.0) return 6250.0;
+    return mass < 600.0 ? 8000.0 : 10000.0;
+  }
+  void ExpectGoldens(const std::string& folder) {
+    EXPECT_TRUE(MatchesGolden(folder + "/trace.txt", Trace()));
+    EXPECT_TRUE(MatchesGolden(folder + "/aic_log.txt", File("AIC_1.TXT")));
+    EXPECT_TRUE(
+        MatchesGolden(folder + "/data_set.csv", File("AbImmunecalib_SpotFireDataSetLog.csv")));
+    EXPECT_TRUE(MatchesGolden(folder + "/tune_report.txt", File("TuneReportCalibData.txt")));
+    EXPECT_TRUE(MatchesGolden(folder + "/calibration_data.txt", File("CalibrationData_2.TXT")));
+  }
+};
+
+TEST_F(AicGoldenRun, TracesAndLogsARampCollectedByMassByteByByte) {
+  instrument.flags["ObfuscateCalibAlg"] = "1";
+  ASSERT_NE(Calibrate(), nullptr);
+  ExpectGoldens("aic_ramp_by_mass");
+}
+
+// Visited in a random order, with the display shown now and then.
+TEST_F(AicGoldenRun, TracesAndLogsARampCollectedByMeasurementByteByByte) {
+  instrument.flags["ObfuscateCalibAlg"] = "2";
+  instrument.flags["AIC_MinimizeImpactOfDriftOnCalibPointCollection"] = "Yes";
+  host.seed = 20240229;
+  ASSERT_NE(Calibrate(), nullptr);
+  ExpectGoldens("aic_ramp_by_measurement");
+}
+
+TEST_F(AicGoldenRun, TracesAndLogsASearchPerMassByTheFirmwareByteByByte) {
+  instrument.settings["Calibration/AIC_SetpointToUse"] = 83.0;
+  instrument.settings["Calibration/AIC_SearchSpeedUpFactor"] = 1.5;
+  instrument.flags["AIC_RunFastVersion"] = "Yes";
+  // Little above the band: the linear adjustment does the rest.
+  instrument.searched_rf_value = [](double mass) { return 50.125 + 200e3 / CountsPerVolt(mass); };
+  instrument.setpoints[83] = 85.0;
+  ASSERT_NE(Calibrate(), nullptr);
+  ExpectGoldens("aic_firmware_search");
+}
+
 TEST_F(GoldenRun, WritesTheSameBytesAgainOnANewObject) {
   ASSERT_NE(Calibrate(), nullptr);
   Journal other_journal;
