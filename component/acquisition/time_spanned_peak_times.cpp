@@ -114,7 +114,7 @@ Variant GetTimeSpannedCalibrantPeakTimes(Instrument& instrument, HostServices& h
     AverageThePeakAttributes(instrument, host, aic_log, data.expected_masses, data.peaks);
     WriteDataToSpotFireLog(instrument, host, data.peaks);
     trace.TracePrint("1.2.3");
-    const Variant times = AveragedTimes(trace, data.peaks, result);
+    Variant times = AveragedTimes(trace, data.peaks, result);
     SetDisplay(run, true, "Unfreeze");
     return times;
   });
