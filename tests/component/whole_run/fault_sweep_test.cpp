@@ -15,6 +15,7 @@
 #include "component/calibrator/tof_calibrator.h"
 #include "component/trace/trace.h"
 #include "tests/component/whole_run/fault_table.h"
+#include "tests/component/whole_run/placed_calls.h"
 #include "tests/support/calibration_fixture.h"
 #include "tests/support/expected_calls.h"
 
@@ -82,46 +83,11 @@ struct Bench {
 
 // --- The run in which nothing fails, and where in it each call stands.
 
-struct PlacedCall {
-  std::string text;
-  std::string subject;  // the text, for a preparation that of its setpoint access
-  std::string routine;
-  bool is_trace = false;
-  bool is_exit = false;
-};
-
-bool BeginsWith(const std::string& text, std::string_view begin) {
-  return text.compare(0, begin.size(), begin) == 0;
-}
-
-std::string SubjectOf(const Calls& calls, std::size_t n) {
-  const bool prepares = BeginsWith(calls[n], "AcqController.PrepareSetpoint") ||
-                        calls[n] == "DataDictionary.GetSetpointTable";
-  if (!prepares) return calls[n];
-  while (!BeginsWith(calls[n], "SetpointTable.")) ++n;
-  return calls[n];
-}
-
 std::vector<PlacedCall> CallsOfATracedRun(Configuration configuration) {
   configuration.traced = true;
   Bench bench(configuration);
   EXPECT_NE(bench.Calibrate(), nullptr);
-  const Calls& calls = bench.journal.entries();
-  std::vector<PlacedCall> placed;
-  std::vector<std::string> running;
-  for (std::size_t n = 0; n < calls.size(); ++n) {
-    PlacedCall call{.text = calls[n], .subject = SubjectOf(calls, n), .routine = {}};
-    const std::string entry = "Trace.Entry(";
-    if (BeginsWith(call.text, entry)) {
-      running.push_back(call.text.substr(entry.size(), call.text.find(',') - entry.size()));
-    }
-    call.routine = running.back();
-    call.is_trace = BeginsWith(call.text, "Trace.");
-    call.is_exit = BeginsWith(call.text, "Trace.Exit(");
-    if (call.is_exit) running.pop_back();
-    placed.push_back(std::move(call));
-  }
-  return placed;
+  return Placed(bench.journal.entries());
 }
 
 bool Applies(Only when, const Configuration& configuration) {
@@ -157,7 +123,7 @@ std::vector<const FaultRow*> FaultRowsOf(const Configuration& configuration,
   return RowsOf(
       fault_table::kRows, configuration, calls,
       [](const FaultRow& row, const PlacedCall& call) {
-        return call.routine == row.routine && BeginsWith(call.subject, row.from);
+        return call.routine() == row.routine && BeginsWith(call.subject, row.from);
       },
       &FaultRow::nth);
 }
@@ -276,7 +242,7 @@ class FaultSweep : public ::testing::TestWithParam<Configuration> {
     for (std::size_t place = 0; place < calls.size(); ++place) {
       if (calls[place].is_trace && !configuration.traced) continue;
       SCOPED_TRACE("call " + std::to_string(n) + ", " + calls[place].text + " in " +
-                   calls[place].routine);
+                   calls[place].routine());
       Bench bench(configuration);
       bench.journal.keep_entries = false;
       plan(bench.journal, n++);
