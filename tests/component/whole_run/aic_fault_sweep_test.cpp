@@ -17,6 +17,7 @@
 #include "component/calibrator/tof_calibrator.h"
 #include "component/trace/trace.h"
 #include "tests/component/whole_run/aic_fault_table.h"
+#include "tests/component/whole_run/aic_ways.h"
 #include "tests/component/whole_run/placed_calls.h"
 #include "tests/support/calibration_fixture.h"
 
@@ -25,53 +26,14 @@ namespace {
 
 using aic_fault_table::Ends;
 
-struct Way {
-  const char* name;
-  bool traced;
-  double setpoint;  // that AIC moves; 83 has the search per mass
-  std::vector<std::pair<const char*, const char*>> flags;
-};
-
-void PrintTo(const Way& way, std::ostream* out) {
-  *out << way.name;
-}
-
 constexpr double kEntryVolts = 75.0;
-const Variant kMoved = Variant(std::int16_t{9});
-const std::vector<std::int32_t> kStoredState = {18, 150, 149, 128};
-
-// A new calibrator on a new instrument whose state moves while it measures. The estimate of the
-// likely A is left out: it is the same without AIC.
+// A new calibrator on a new instrument whose state moves while it measures.
 struct Bench {
   explicit Bench(const Way& way) : host(journal), instrument(journal, host) {
     host.trace->on = way.traced;
-    instrument.sample_masses = {118.0863, 322.0481, 622.029, 922.0098, 1221.9906, 1521.9715};
+    Arrange(way, instrument);
     masses = Variant::DoubleArray(instrument.sample_masses);
-    instrument.avoid_aic = false;
-    instrument.flags[instrument.flag_key] = "No";
-    instrument.flags["AICLoggingEnabled"] = "3000";
-    instrument.flags["SkipCalcLikelyABeforeCalibration"] = "Yes";
-    instrument.flags["SkipCalcLikelyABeforeCalibration_LikelyA"] = "0.65";
-    instrument.flags["SkipCalcLikelyABeforeCalibration_t0"] = "0.3";
-    for (const auto& [key, value] : way.flags) instrument.flags[key] = value;
-    instrument.settings["Calibration/AIC_SetpointToUse"] = way.setpoint;
-    instrument.settings["Calibration/AICSettlingTime_sec"] = 0.4;
-    instrument.settings["Calibration/AIC_RF_LowValue"] = 20.0;
-    instrument.settings["Calibration/AIC_RF_HighValue"] = 60.0;
-    instrument.settings["Calibration/AIC_RF_Step"] = 20.0;
-    for (int k = 1; k <= 6; ++k) {
-      instrument.settings["Calibration/AICAltSPPlugValueForMass" + std::to_string(k)] = 30.0 + k;
-    }
-    // The first two masses are above the band at the voltage at entry, the others inside.
-    instrument.abundance_at = [](double mass, double volts) {
-      return (mass < 500.0 ? 4000.0 : 2000.0) * volts;
-    };
-    // Above 50 V, the end of the band, so that the adjustment has steps to make.
-    instrument.searched_rf_value = [](double) { return 50.25; };
     found = instrument.setpoints;
-    instrument.on_spectrum = [this] {
-      for (const std::int32_t id : kStoredState) instrument.setpoints[id] = kMoved;
-    };
     old_coefficients = instrument.in_force;
     calibrator = std::make_unique<TofCalibrator>(instrument, host, events);
     journal.Clear();
@@ -126,7 +88,7 @@ void Follow(const std::string& call, const Way& way, Left& left) {
   if (BeginsWith(call, write)) {
     left.volts = call.substr(write.size(), call.size() - write.size() - 1);
   } else if (BeginsWith(call, "SpecParser.SearchTargetAbundance")) {
-    left.volts = "50.25";
+    left.volts = NumberText(kSearchedVolts);
   } else if (BeginsWith(call, "SpectrumDisplay.SetDisplayUpdate")) {
     left.display_live = call == "SpectrumDisplay.SetDisplayUpdate(True)";
   } else if (BeginsWith(call, "CalibLogFiles.OpenLogFile(AIC")) {
@@ -369,27 +331,6 @@ TEST_P(AicFaultSweep, AnAbortLeavesWhatTheTableSays) {
   Sweep([](Journal& journal, std::size_t n) { journal.abort_before = n; },
         [&](std::size_t place) { return expectation.AfterAnAbort(place); });
 }
-
-const Way kWays[] = {
-    {"RampByMass", false, 84.0, {}},
-    {"RampByMassFrozenTraced", true, 84.0, {{"ObfuscateCalibAlg", "1"}}},
-    {"RampByMeasurementShown",
-     false,
-     84.0,
-     {{"ObfuscateCalibAlg", "2"}, {"AIC_MinimizeImpactOfDriftOnCalibPointCollection", "Yes"}}},
-    {"RampByMeasurementShownTraced",
-     true,
-     84.0,
-     {{"ObfuscateCalibAlg", "2"}, {"AIC_MinimizeImpactOfDriftOnCalibPointCollection", "Yes"}}},
-    {"FirmwareSearch", false, 83.0, {{"AIC_RunFastVersion", "Yes"}}},
-    {"FirmwareSearchTraced", true, 83.0, {{"AIC_RunFastVersion", "Yes"}}},
-    {"ParserSearch", false, 83.0, {}},
-    {"ParserSearchWithoutAdjustmentTraced",
-     true,
-     83.0,
-     {{"AIC_SkipFinalLinearAbAdj", "Yes"}, {"ObfuscateCalibAlg", "1"}}},
-    {"PlugValues", false, 83.0, {{"EnableAICAltSPPlugValues", "Yes"}}},
-};
 
 INSTANTIATE_TEST_SUITE_P(Ways, AicFaultSweep, ::testing::ValuesIn(kWays),
                          [](const auto& one) { return std::string(one.param.name); });
