@@ -52,6 +52,7 @@ class StandInInstrument : public InstrumentFactory {
 
   // The user asks for an abort. May be called from a signal handler.
   void RequestAbort() noexcept { state_->abort_requested = true; }
+  void WithdrawAbort() noexcept { state_->abort_requested = false; }
 
   Counters Counted() const;
   const InstrumentState& State() const { return *state_; }

@@ -10,6 +10,7 @@ namespace tof::fakes {
 namespace {
 
 constexpr std::int32_t kUnknownSetpoint = 5000;
+constexpr std::int32_t kAcqEndUs = 72;
 
 // What every collaborator of the fake has: the instrument it belongs to.
 struct Part {
@@ -23,23 +24,16 @@ class Table : public SetpointTable, Part {
   using Part::Part;
   Variant GetSetpoint(std::int32_t id) override {
     Enter("SetpointTable.GetSetpoint(" + std::to_string(id) + ")");
-    return Find(id);
+    return fake.SetpointOf(id);
   }
   void SetSetpoint(std::int32_t id, ValueType type, const Variant& value) override {
     Enter("SetpointTable.SetSetpoint(" + std::to_string(id) + "," +
           std::to_string(static_cast<int>(type)) + "," + ToText(value) + ")");
-    Find(id) = value;
+    fake.SetpointOf(id) = value;
   }
   Variant GetCurrentValue(std::int32_t id) override {
     Enter("SetpointTable.GetCurrentValue(" + std::to_string(id) + ")");
-    return Find(id);
-  }
-
- private:
-  Variant& Find(std::int32_t id) {
-    const auto found = fake.setpoints.find(id);
-    if (found == fake.setpoints.end()) throw AutomationError(kUnknownSetpoint, "No such setpoint");
-    return found->second;
+    return fake.SetpointOf(id);
   }
 };
 
@@ -91,7 +85,7 @@ class Dictionary : public DataDictionary, Part {
   }
   std::int32_t GetAcqEndTime() override {
     Enter("DataDictionary.GetAcqEndTime");
-    return 72;
+    return kAcqEndUs;
   }
   std::shared_ptr<StatusReader> GetStatusReader() override {
     Enter("DataDictionary.GetStatusReader");
@@ -168,7 +162,7 @@ class Controller : public AcqController, Part {
   }
   Variant ReadSetpoint(std::int32_t id) override {
     Enter("AcqController.ReadSetpoint(" + std::to_string(id) + ")");
-    return fake.setpoints.at(id);
+    return fake.SetpointOf(id);
   }
   std::string GetConfigurationName() override {
     Enter("AcqController.GetConfigurationName");
@@ -379,6 +373,12 @@ FakeInstrument::FakeInstrument(Journal& the_journal, FakeHost& the_host)
            {"Calibration_t0ToUseToStartLookingforA_usec", "0.3"}};
 }
 
+Variant& FakeInstrument::SetpointOf(std::int32_t id) {
+  const auto found = setpoints.find(id);
+  if (found == setpoints.end()) throw AutomationError(kUnknownSetpoint, "No such setpoint");
+  return found->second;
+}
+
 double FakeInstrument::TrueTime(double mass) const {
   return true_t0_ns + std::sqrt(mass) / true_a_per_ns;
 }
@@ -388,6 +388,7 @@ std::int32_t FakeInstrument::AicSetpointId() const {
 }
 
 double FakeInstrument::AbundanceNow(double mass) const {
+  if (TrueTime(mass) > kAcqEndUs * 1000.0) return 0.0;
   if (!abundance_at) return abundance;
   return abundance_at(mass, ToDouble(setpoints.at(AicSetpointId())));
 }

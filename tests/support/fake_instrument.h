@@ -71,9 +71,11 @@ class FakeInstrument : public InstrumentFactory {
   std::int32_t spectra_taken = 0;
   std::int32_t aic_ends = 0;
 
+  // Error 5000 for one that the instrument does not hold.
+  Variant& SetpointOf(std::int32_t id);
   double TrueTime(double mass) const;
   std::int32_t AicSetpointId() const;
-  // What a spectrum taken now shows of a mass.
+  // What a spectrum taken now shows of a mass: nothing when it flies longer than spectra last.
   double AbundanceNow(double mass) const;
   double SearchedRfValue(double mass) const;
   std::shared_ptr<FakeCoefficients> NewCoefficients(double a_per_ns, double t0_ns);
