@@ -36,7 +36,7 @@ void LimitsOfAGoodFitAreThere(Subject& subject) {
 }
 
 void AbundanceBandIsAnInterval(Subject& subject) {
-  RfSetpointId(subject);
+  RequireAbundanceImmuneCalibration(subject);
   const double minimum = CalibrationSetting(subject.parts, "AIC_TargetMinAb");
   const double maximum = CalibrationSetting(subject.parts, "AIC_TargetMaxAb");
   Require(minimum > 0.0 && minimum < maximum && std::isfinite(maximum),
@@ -45,7 +45,7 @@ void AbundanceBandIsAnInterval(Subject& subject) {
 }
 
 void RfRangeCanBeWalked(Subject& subject) {
-  RfSetpointId(subject);
+  RequireAbundanceImmuneCalibration(subject);
   const double low = CalibrationSetting(subject.parts, "AIC_RF_LowValue");
   const double high = CalibrationSetting(subject.parts, "AIC_RF_HighValue");
   const double step = CalibrationSetting(subject.parts, "AIC_RF_Step");

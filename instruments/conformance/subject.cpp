@@ -96,17 +96,20 @@ Window AcquisitionWindowOf(Subject& subject) {
   });
 }
 
+void RequireAbundanceImmuneCalibration(Subject& subject) {
+  if (NumericSetting(subject, "AIC_SetpointToUse") != 0.0) return;
+  throw NotApplicable(
+      "without the setting Calibration/AIC_SetpointToUse the instrument does no abundance-immune "
+      "calibration");
+}
+
 std::int32_t RfSetpointId(Subject& subject) {
-  const double id = NumericSetting(subject, "AIC_SetpointToUse");
-  if (id == 0.0) {
-    throw NotApplicable(
-        "without the setting Calibration/AIC_SetpointToUse the instrument does no "
-        "abundance-immune calibration");
-  }
-  return ToInt32(id);
+  RequireAbundanceImmuneCalibration(subject);
+  return ToInt32(NumericSetting(subject, "AIC_SetpointToUse"));
 }
 
 RfRange RfRangeOf(Subject& subject) {
+  RequireAbundanceImmuneCalibration(subject);
   const RfRange range{NumericSetting(subject, "AIC_RF_LowValue"),
                       NumericSetting(subject, "AIC_RF_HighValue")};
   if (range.low < range.high) return range;
@@ -114,6 +117,7 @@ RfRange RfRangeOf(Subject& subject) {
 }
 
 Band BandOf(Subject& subject) {
+  RequireAbundanceImmuneCalibration(subject);
   const Band band = Given("AcqController.scale-factor-is-positive", [&] {
     Require(subject.parts.acq_controller->GetScaleFactor() > 0.0, "", "");
     return Band{AIC_TargetMinAb(subject.parts), AIC_TargetMaxAb(subject.parts)};

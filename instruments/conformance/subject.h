@@ -54,7 +54,10 @@ struct Window {
 };
 Window AcquisitionWindowOf(Subject& subject);
 
-// The setpoint that abundance-immune calibration moves; NotApplicable without one.
+// NotApplicable unless the instrument names a setpoint for abundance-immune calibration to move.
+void RequireAbundanceImmuneCalibration(Subject& subject);
+
+// That setpoint.
 std::int32_t RfSetpointId(Subject& subject);
 
 // Where abundance-immune calibration moves it to, V; NotApplicable for an empty range.
