@@ -12,14 +12,14 @@ namespace tof::cli {
 using description::InstrumentDescription;
 using spectra::InputError;
 
-InstrumentDescription DescriptionFor(const CalibrateOptions& options) {
-  InstrumentDescription result = options.instrument.empty()
+InstrumentDescription DescriptionFor(const InstrumentChoice& choice) {
+  InstrumentDescription result = choice.instrument.empty()
                                      ? description::BuiltInDescription()
-                                     : description::ReadDescription(options.instrument);
-  for (const std::string& text : options.settings) description::OverrideSetting(result, text);
-  for (const std::string& text : options.flags) description::OverrideFlag(result, text);
-  for (const std::string& text : options.setpoints) description::OverrideSetpoint(result, text);
-  if (options.base_folder) result.base_folder = *options.base_folder;
+                                     : description::ReadDescription(choice.instrument);
+  for (const std::string& text : choice.settings) description::OverrideSetting(result, text);
+  for (const std::string& text : choice.flags) description::OverrideFlag(result, text);
+  for (const std::string& text : choice.setpoints) description::OverrideSetpoint(result, text);
+  if (choice.base_folder) result.base_folder = *choice.base_folder;
   return result;
 }
 
@@ -39,13 +39,13 @@ std::vector<double> ExpectedMasses(const CalibrateOptions& options,
   return masses;
 }
 
-std::vector<std::filesystem::path> InputFiles(const CalibrateOptions& options,
+std::vector<std::filesystem::path> InputFiles(const InstrumentChoice& choice,
                                               const InstrumentDescription& description) {
   std::vector<std::filesystem::path> inputs;
-  if (!options.instrument.empty()) inputs.emplace_back(options.instrument);
+  if (!choice.instrument.empty()) inputs.emplace_back(choice.instrument);
   if (const auto* recorded = std::get_if<recorded::RecordedFiles>(&description.source)) {
     for (const recorded::RecordedFile& file : recorded->files) {
-      inputs.push_back(options.data_folder / file.path);
+      inputs.push_back(choice.data_folder / file.path);
     }
   }
   return inputs;

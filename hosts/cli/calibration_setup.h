@@ -11,15 +11,15 @@
 namespace tof::cli {
 
 // The description that is named, or the built-in one, with the overrides. Raises an InputError.
-description::InstrumentDescription DescriptionFor(const CalibrateOptions& options);
+description::InstrumentDescription DescriptionFor(const InstrumentChoice& choice);
 
 // The expected masses: those of the command line, else the instrument's calibrants. Raises an
 // InputError when there are none, or one is not finite and positive.
 std::vector<double> ExpectedMasses(const CalibrateOptions& options,
                                    const description::InstrumentDescription& description);
 
-// Every file that a calibration reads.
+// Every file that the instrument is made from.
 std::vector<std::filesystem::path> InputFiles(
-    const CalibrateOptions& options, const description::InstrumentDescription& description);
+    const InstrumentChoice& choice, const description::InstrumentDescription& description);
 
 }  // namespace tof::cli

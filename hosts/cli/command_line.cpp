@@ -85,19 +85,28 @@ class OptionTable {
   std::vector<std::function<void()>> stores_;
 };
 
-void DeclareRun(OptionTable& table, CalibrateOptions& options) {
+void DeclareInstrument(OptionTable& table, InstrumentChoice& choice) {
   table.Text("--instrument", "FILE.xml", "The instrument (default: the built-in virtual one)",
-             options.instrument);
+             choice.instrument);
   table.Text("--data", "DIR", "Folder that a recorded instrument's file names are relative to",
-             options.data_folder);
+             choice.data_folder);
+  table.Value(
+      "--masses", "M1,M2,...", "Expected masses (default: the instrument's calibrants)",
+      [&choice](const std::string& text) { choice.masses = ParseMassList(text, "--masses"); });
+  table.Value("--base-folder", "DIR", "Log files go to DIR/Logfiles, which is made",
+              [&choice](const std::string& text) { choice.base_folder = text; });
+}
+
+void DeclareJson(OptionTable& table, std::string& json_file) {
+  table.Text("--json", "FILE|-", "Writes the result for machines; - is standard output", json_file);
+}
+
+void DeclareRun(OptionTable& table, CalibrateOptions& options) {
   table.Value("--spectra", "N", "Spectra averaged per mass, 1 to 32767 (default: 10)",
               [&options](const std::string& text) {
                 options.spectra =
                     static_cast<std::int16_t>(WholeNumberOption("--spectra", text, 1, 32767));
               });
-  table.Value(
-      "--masses", "M1,M2,...", "Expected masses (default: the instrument's calibrants)",
-      [&options](const std::string& text) { options.masses = ParseMassList(text, "--masses"); });
   table.Flag("--suppress-aic", "No abundance-immune calibration", options.suppress_aic);
   table.Flag("--manual", "Calibrate even where autotunes skip it", options.manual);
   table.Value("--trad-weighting", "X", "0 or 1: fit the higher terms too; else A and t0 only",
@@ -110,34 +119,31 @@ void DeclareRun(OptionTable& table, CalibrateOptions& options) {
               });
 }
 
-void DeclareInstrumentChanges(OptionTable& table, CalibrateOptions& options) {
+void DeclareInstrumentChanges(OptionTable& table, InstrumentChoice& choice) {
   table.Repeatable("--set", "Section/Key=V", "Changes a setting of the instrument",
-                   options.settings);
-  table.Repeatable("--flag", "Key=V", "Changes a flag of the instrument", options.flags);
-  table.Repeatable("--setpoint", "ID=V", "Changes a setpoint of the instrument", options.setpoints);
-  table.Flag("--real-time", "Really wait (default: a virtual clock)", options.real_time);
+                   choice.settings);
+  table.Repeatable("--flag", "Key=V", "Changes a flag of the instrument", choice.flags);
+  table.Repeatable("--setpoint", "ID=V", "Changes a setpoint of the instrument", choice.setpoints);
+  table.Flag("--real-time", "Really wait (default: a virtual clock)", choice.real_time);
   table.Value("--seed", "N", "Seed of everything random (default: the instrument's)",
-              [&options](const std::string& text) {
-                options.seed = static_cast<std::uint32_t>(
+              [&choice](const std::string& text) {
+                choice.seed = static_cast<std::uint32_t>(
                     WholeNumberOption("--seed", text, 0, std::numeric_limits<std::int32_t>::max()));
               });
   table.Value("--abort-after", "SECONDS", "The user asks for an abort after this instrument time",
-              [&options](const std::string& text) {
+              [&choice](const std::string& text) {
                 const double seconds = NumberOption("--abort-after", text);
                 if (seconds < 0.0) throw InputError({"--abort-after"}, Quoted(text), "0 or more");
-                options.abort_after_seconds = seconds;
+                choice.abort_after_seconds = seconds;
               });
   table.Value("--fail", "OPERATION:N",
               "The Nth call of an operation fails (SpecParser.FindPeaks:1)",
-              [&options](const std::string& text) { options.fault = FaultOf(text); });
+              [&choice](const std::string& text) { choice.fault = FaultOf(text); });
 }
 
 void DeclareOutput(OptionTable& table, CalibrateOptions& options) {
-  table.Value("--base-folder", "DIR", "Log files go to DIR/Logfiles, which is made",
-              [&options](const std::string& text) { options.base_folder = text; });
   table.Text("--trace", "FILE", "Writes the trace, one line a call", options.trace_file);
-  table.Text("--json", "FILE|-", "Writes the result for machines; - is standard output",
-             options.json_file);
+  DeclareJson(table, options.json_file);
 }
 
 void DeclareFit(OptionTable& table, FitOptions& options) {
@@ -167,8 +173,7 @@ void DeclareFit(OptionTable& table, FitOptions& options) {
               [&options](const std::string& text) {
                 options.weighting = WholeNumberOption("--weighting", text, 0, 2);
               });
-  table.Text("--json", "FILE|-", "Writes the result for machines; - is standard output",
-             options.json_file);
+  DeclareJson(table, options.json_file);
 }
 
 void CheckFit(const FitOptions& options) {
@@ -198,9 +203,18 @@ Command ParseCommandLine(int argc, const char* const* argv) {
   CLI::App& calibrate = *app.add_subcommand("calibrate", "Calibrates an instrument");
   CalibrateOptions calibrate_options;
   OptionTable calibrate_table(calibrate);
+  DeclareInstrument(calibrate_table, calibrate_options);
   DeclareRun(calibrate_table, calibrate_options);
   DeclareInstrumentChanges(calibrate_table, calibrate_options);
   DeclareOutput(calibrate_table, calibrate_options);
+
+  CLI::App& check = *app.add_subcommand(
+      "check-instrument", "Checks that an instrument does what a calibration relies on");
+  CheckOptions check_options;
+  OptionTable check_table(check);
+  DeclareInstrument(check_table, check_options);
+  DeclareInstrumentChanges(check_table, check_options);
+  DeclareJson(check_table, check_options.json_file);
 
   CLI::App& fit = *app.add_subcommand("fit", "Fits coefficients to masses and flight times");
   FitOptions fit_options;
@@ -221,7 +235,13 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     calibrate_table.StoreValues();
     return calibrate_options;
   }
-  if (!fit.parsed()) throw UsageError("nothing to do: expected calibrate or fit");
+  if (check.parsed()) {
+    check_table.StoreValues();
+    return check_options;
+  }
+  if (!fit.parsed()) {
+    throw UsageError("nothing to do: expected calibrate, check-instrument or fit");
+  }
   fit_table.StoreValues();
   CheckFit(fit_options);
   return fit_options;

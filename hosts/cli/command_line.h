@@ -14,7 +14,7 @@ struct TextRequest {
   std::string text;
 };
 
-using Command = std::variant<TextRequest, CalibrateOptions, FitOptions>;
+using Command = std::variant<TextRequest, CalibrateOptions, CheckOptions, FitOptions>;
 
 // A command line that can't be followed; the text says what and, where it is not obvious, what
 // would do.

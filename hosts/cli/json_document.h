@@ -1,4 +1,4 @@
-// What the JSON of both verbs shares.
+// What the JSON of all verbs shares.
 #pragma once
 
 #include <cmath>
@@ -25,7 +25,7 @@ inline Json CoefficientsJson(const CoefficientRecord& coefficients) {
   return json;
 }
 
-// A text of any bytes, for the indented document that both verbs write.
+// A text of any bytes, for the indented document that all verbs write.
 inline std::string DocumentText(const Json& json) {
   return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -8,6 +8,7 @@
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/exit_code.h"
 #include "hosts/cli/run_calibrate.h"
+#include "hosts/cli/run_check_instrument.h"
 #include "hosts/cli/run_fit.h"
 #include "instruments/spectra/input_error.h"
 
@@ -26,6 +27,10 @@ ExitCode Run(const tof::cli::FitOptions& options) {
 
 ExitCode Run(const tof::cli::CalibrateOptions& options) {
   return tof::cli::RunCalibrate(options, {std::cout, std::cerr, isatty(STDERR_FILENO) != 0});
+}
+
+ExitCode Run(const tof::cli::CheckOptions& options) {
+  return tof::cli::RunCheckInstrument(options, std::cout, std::cerr);
 }
 
 }  // namespace

@@ -14,26 +14,33 @@ struct FaultOption {
   std::int32_t nth = 1;  // from 1
 };
 
-// Anything left out is the instrument description's own.
-struct CalibrateOptions {
+// The instrument to work on. Anything left out is the description's own.
+struct InstrumentChoice {
   std::string instrument;  // path of the description; empty: the built-in virtual instrument
   std::string data_folder;
-  std::optional<std::int16_t> spectra;  // from 1
-  std::vector<double> masses;           // m/z, finite and positive; empty: the calibrant list
-  bool suppress_aic = false;
-  bool manual = false;
-  std::optional<double> trad_weighting;
-  std::optional<double> peak_window;   // per cent of the flight time
+  std::vector<double> masses;          // m/z, finite and positive; empty: the calibrant list
   std::vector<std::string> settings;   // "Section/Key=Value"
   std::vector<std::string> flags;      // "Key=Value"
   std::vector<std::string> setpoints;  // "Id=Value"
   std::optional<std::string> base_folder;
-  std::string trace_file;
-  std::string json_file;  // "-": standard output
   bool real_time = false;
   std::optional<std::uint32_t> seed;
   std::optional<double> abort_after_seconds;  // of instrument time
   std::optional<FaultOption> fault;
+};
+
+struct CalibrateOptions : InstrumentChoice {
+  std::optional<std::int16_t> spectra;  // from 1
+  bool suppress_aic = false;
+  bool manual = false;
+  std::optional<double> trad_weighting;
+  std::optional<double> peak_window;  // per cent of the flight time
+  std::string trace_file;
+  std::string json_file;  // "-": standard output
+};
+
+struct CheckOptions : InstrumentChoice {
+  std::string json_file;  // "-": standard output
 };
 
 // Times come from `pairs_file`, or from the peaks of `spectrum` at `masses`.

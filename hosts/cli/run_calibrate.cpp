@@ -9,6 +9,7 @@
 #include "component/calibrator/tof_calibrator.h"
 #include "hosts/cli/advice.h"
 #include "hosts/cli/calibration_setup.h"
+#include "hosts/cli/chosen_instrument.h"
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/json_report.h"
 #include "hosts/cli/log_folder.h"
@@ -17,12 +18,8 @@
 #include "hosts/cli/result_output.h"
 #include "hosts/cli/text_report.h"
 #include "hosts/cli/watched_clock.h"
-#include "hosts/native/native_host.h"
-#include "hosts/native/real_time_clock.h"
 #include "hosts/native/text_file.h"
 #include "hosts/native/trace_file.h"
-#include "hosts/native/virtual_clock.h"
-#include "hosts/native/virtual_time_host.h"
 #include "instruments/spectra/input_error.h"
 #include "instruments/standin/instrument.h"
 
@@ -31,8 +28,6 @@ namespace {
 
 using description::InstrumentDescription;
 using spectra::InputError;
-
-constexpr std::uint32_t kHostSeed = 1;
 
 class LastStatus : public StatusEvents {
  public:
@@ -44,34 +39,6 @@ class LastStatus : public StatusEvents {
  private:
   std::optional<Status> status_;
 };
-
-std::shared_ptr<spectra::InstrumentClock> MakeClock(bool real_time) {
-  if (real_time) return std::make_shared<native::RealTimeClock>();
-  return std::make_shared<native::VirtualClock>();
-}
-
-std::unique_ptr<native::PortableHost> MakeHost(
-    const CalibrateOptions& options, const Terminal& terminal,
-    const std::shared_ptr<spectra::InstrumentClock>& clock) {
-  if (options.real_time) return std::make_unique<native::NativeHost>(terminal.err);
-  return std::make_unique<native::VirtualTimeHost>(terminal.err, clock,
-                                                   options.seed.value_or(kHostSeed));
-}
-
-standin::InstrumentOptions InstrumentOptionsOf(const CalibrateOptions& options) {
-  standin::InstrumentOptions result;
-  result.data_folder = options.data_folder;
-  if (options.seed) result.seed = *options.seed;
-  result.abort_after_sec = options.abort_after_seconds;
-  if (!options.fault) return result;
-  const auto operation = standin::OperationOfName(options.fault->operation);
-  if (!operation) {
-    throw InputError({"--fail"}, spectra::Quoted(options.fault->operation),
-                     "an operation of the instrument, such as SpecParser.FindPeaks");
-  }
-  result.faults.push_back({*operation, options.fault->nth});
-  return result;
-}
 
 // The trace is a file of the user's own choice, not one of the calibrator's logs.
 void RegisterTrace(const std::string& path, native::PortableHost& host) {
@@ -138,7 +105,7 @@ ExitCode RunCalibrate(const CalibrateOptions& options, const Terminal& terminal)
     progress.ShowSpectra(watched->Counted().spectra, watched->State().clock->Seconds());
   };
   const auto clock = std::make_shared<WatchedClock>(MakeClock(options.real_time), show_progress);
-  const auto host = MakeHost(options, terminal, clock);
+  const auto host = MakeHost(options, terminal.err, clock);
   standin::StandInInstrument instrument(description, InstrumentOptionsOf(options), *host, clock);
   watched = &instrument;
 

@@ -54,13 +54,28 @@ TEST(Readme, ShowsTheEmbeddingExampleAsItIsCompiled) {
             code);
 }
 
-TEST(EmbeddingExample, Calibrates) {
-  const fs::path folder = fs::path(testing::TempDir()) / "embedding_example";
+TEST(ConformancePage, ShowsItsExampleAsItIsCompiled) {
+  const std::string example = "examples/embedding/check_instrument.cpp";
+  const std::string code = Between(BytesOf(kRoot / example), "[page]");
+  EXPECT_EQ(BlockBehind(BytesOf(kRoot / "docs/conformance.md"), "<!-- " + example + " -->"), code);
+}
+
+// Runs an example with a base folder of its own; its answer is that of the program.
+int RunInFolder(const std::string& program, const std::string& name) {
+  const fs::path folder = fs::path(testing::TempDir()) / name;
   fs::create_directories(folder / "Logfiles");
-  const std::string command =
-      std::string("'") + TOF_EMBEDDING_EXAMPLE + "' '" + folder.string() + "' > /dev/null";
-  EXPECT_EQ(std::system(command.c_str()), 0);
+  const std::string command = "'" + program + "' '" + folder.string() + "' > /dev/null";
+  const int answer = std::system(command.c_str());
   fs::remove_all(folder);
+  return answer;
+}
+
+TEST(EmbeddingExample, Calibrates) {
+  EXPECT_EQ(RunInFolder(TOF_EMBEDDING_EXAMPLE, "embedding_example"), 0);
+}
+
+TEST(CheckInstrumentExample, FindsNothingWrong) {
+  EXPECT_EQ(RunInFolder(TOF_CHECK_INSTRUMENT_EXAMPLE, "check_instrument_example"), 0);
 }
 
 // Each example in the page on log files names the golden file that it shows.

@@ -102,6 +102,41 @@ TEST(CommandLine, KeepsRepeatedOverridesInTheirOrder) {
   EXPECT_THAT(options.setpoints, ElementsAre("149=1", "69=0.5"));
 }
 
+TEST(CommandLine, ChecksAnInstrumentThatIsChosenAsForACalibration) {
+  const auto options = std::get<CheckOptions>(Parse({"check-instrument",
+                                                     "--instrument",
+                                                     "a.xml",
+                                                     "--data",
+                                                     "spectra",
+                                                     "--masses",
+                                                     "91,159",
+                                                     "--set",
+                                                     "Calibration/A=1",
+                                                     "--flag",
+                                                     "F=Yes",
+                                                     "--setpoint",
+                                                     "149=1",
+                                                     "--base-folder",
+                                                     "out",
+                                                     "--seed",
+                                                     "7",
+                                                     "--fail",
+                                                     "SpecParser.FindPeaks:2",
+                                                     "--json",
+                                                     "-"}));
+  EXPECT_EQ(options.instrument, "a.xml");
+  EXPECT_EQ(options.data_folder, "spectra");
+  EXPECT_THAT(options.masses, ElementsAre(91.0, 159.0));
+  EXPECT_THAT(options.settings, ElementsAre("Calibration/A=1"));
+  EXPECT_THAT(options.flags, ElementsAre("F=Yes"));
+  EXPECT_THAT(options.setpoints, ElementsAre("149=1"));
+  EXPECT_EQ(options.base_folder, "out");
+  EXPECT_EQ(options.seed, 7u);
+  ASSERT_TRUE(options.fault);
+  EXPECT_EQ(options.fault->nth, 2);
+  EXPECT_EQ(options.json_file, "-");
+}
+
 TEST(CommandLine, ShowsHelpAndVersion) {
   EXPECT_THAT(std::get<TextRequest>(Parse({"--version"})).text, HasSubstr("tofcal "));
   EXPECT_THAT(std::get<TextRequest>(Parse({"--help"})).text, HasSubstr("calibrate"));
@@ -152,8 +187,10 @@ constexpr const char* kSpectraRange = "expected a whole number from 1 to 32767";
 INSTANTIATE_TEST_SUITE_P(
     Rows, CommandLineRefusal,
     ::testing::Values(
-        Refusal{"NoVerb", {}, "expected calibrate or fit"},
-        Refusal{"AnotherVerb", {"check-instrument"}, "not expected: check-instrument"},
+        Refusal{"NoVerb", {}, "expected calibrate, check-instrument or fit"},
+        Refusal{"AnotherVerb", {"measure"}, "not expected: measure"},
+        Refusal{"CheckWithSpectra", {"check-instrument", "--spectra", "3"}, "--spectra"},
+        Refusal{"CheckOfMassZero", {"check-instrument", "--masses", "0"}, "found \"0\""},
         Refusal{"UnknownOption", {"calibrate", "--spectrum", "3"}, "--spectrum"},
         Refusal{"MissingValue", {"calibrate", "--spectra"}, "--spectra"},
         Refusal{"NoSpectra", {"calibrate", "--spectra", "0"}, kSpectraRange},

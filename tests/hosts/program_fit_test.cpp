@@ -118,7 +118,7 @@ TEST(Program, SaysWhatItIs) {
   EXPECT_EQ(version.exit_code, 0);
   EXPECT_THAT(version.out, ::testing::StartsWith("tofcal "));
   EXPECT_EQ(RunTofcal({}).exit_code, 2);
-  EXPECT_EQ(RunTofcal({"check-instrument"}).exit_code, 2);
+  EXPECT_EQ(RunTofcal({"measure"}).exit_code, 2);
 }
 
 }  // namespace
