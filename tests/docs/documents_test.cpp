@@ -89,7 +89,7 @@ TEST(LogFilePage, ShowsTheGoldenFiles) {
     EXPECT_EQ(BlockBehind(page, it->str()), WithLineFeeds(BytesOf(kRoot / "tests/golden" / name)))
         << name;
   }
-  EXPECT_GE(examples, 3);
+  EXPECT_GE(examples, 6);
 }
 
 // A page that is named somewhere is there.
