@@ -164,19 +164,24 @@ void DefaultCoefficientsAreUsable(Subject& subject) {
   Require(std::isfinite(a_per_ns) && a_per_ns > 0.0, "a finite A above 0", NumberText(a_per_ns));
 }
 
-ColumnStatistics StatisticsOf(Subject& subject, std::int32_t spectra,
-                              const std::array<double, 6>& values) {
-  BoundedArray2D<double> table({0, spectra - 1}, {0, 1});
-  for (std::int32_t i = 0; i < spectra; ++i) {
-    for (const std::int32_t j : {0, 1}) table(i, j) = values[static_cast<std::size_t>(2 * i + j)];
+using TwoMasses = std::array<double, 2>;
+
+constexpr std::array kThreeSpectra{TwoMasses{10.0, 5.0}, TwoMasses{12.0, 5.0},
+                                   TwoMasses{17.0, 5.0}};
+
+ColumnStatistics StatisticsOf(Subject& subject, std::span<const TwoMasses> spectra) {
+  BoundedArray2D<double> table({0, static_cast<std::int32_t>(spectra.size()) - 1}, {0, 1});
+  std::int32_t row = 0;
+  for (const TwoMasses& spectrum : spectra) {
+    table(row, 0) = spectrum[0];
+    table(row, 1) = spectrum[1];
+    ++row;
   }
   return subject.parts.acq_controller->GetColumnStatistics(table);
 }
 
-constexpr std::array kThreeSpectraOfTwoMasses{10.0, 5.0, 12.0, 5.0, 17.0, 5.0};
-
 void StatisticsAreOfColumns(Subject& subject) {
-  const auto averages = StatisticsOf(subject, 3, kThreeSpectraOfTwoMasses).averages;
+  const auto averages = StatisticsOf(subject, kThreeSpectra).averages;
   Require(averages.LBound() == 0 && averages.UBound() == 1, "an average per mass, from index 0",
           std::to_string(averages.size()) + " averages from index " +
               std::to_string(averages.LBound()));
@@ -185,14 +190,15 @@ void StatisticsAreOfColumns(Subject& subject) {
 }
 
 void DeviationIsThatOfASample(Subject& subject) {
-  const auto deviations = StatisticsOf(subject, 3, kThreeSpectraOfTwoMasses).standard_deviations;
+  const auto deviations = StatisticsOf(subject, kThreeSpectra).standard_deviations;
   RequireNear("deviation (n - 1) of 10, 12 and 17", deviations(0), std::sqrt(13.0),
               kRelativeRounding);
   RequireNear("deviation of 5, 5 and 5", deviations(1), 0.0, kRelativeRounding);
 }
 
 void DeviationOfOneIsZero(Subject& subject) {
-  const auto deviations = StatisticsOf(subject, 1, kThreeSpectraOfTwoMasses).standard_deviations;
+  const auto deviations =
+      StatisticsOf(subject, std::span(kThreeSpectra).first(1)).standard_deviations;
   RequireNear("deviation of a single spectrum", deviations(0), 0.0, 0.0);
 }
 

@@ -156,10 +156,9 @@ std::vector<PeakRecord> RecordsFound(Subject& subject, const Window& range,
                                      std::int32_t peaks_sought) {
   return Given("SpecParser.finds-peaks", [&] {
     const PeakSearch search = Searched(subject, range, peaks_sought);
-    std::vector<PeakRecord> records;
-    for (std::int32_t i = 0; i < Need(search.list).Count(); ++i) {
-      records.push_back(search.list->GetRecord(i));
-    }
+    std::vector<PeakRecord> records(static_cast<std::size_t>(Need(search.list).Count()));
+    std::int32_t index = 0;
+    for (PeakRecord& record : records) record = search.list->GetRecord(index++);
     return records;
   });
 }
