@@ -99,17 +99,39 @@ void ReadFlags(const XmlElement& instrument, InstrumentDescription& description)
   }
 }
 
+Setpoint ReadSetpoint(const XmlElement& element) {
+  const std::optional<ValueType> type = ParseValueType(element.Text("type"));
+  if (!type) element.FailAt("type", "int16, int32, double or boolean");
+  const std::optional<Variant> value = ParseSetpointValue(*type, element.Text("value"));
+  if (!value) element.FailAt("value", ExpectedValue(*type));
+  return {*type, *value};
+}
+
+// The setpoint with a value of its own comes first, so that no alias leads to another alias.
+std::int32_t ReadAlias(const XmlElement& element, const InstrumentDescription& description) {
+  if (element.Has("type") || element.Has("value")) {
+    element.FailAt("same_as", "it without type and value");
+  }
+  const std::int32_t own_id = element.Integer("same_as");
+  if (description.setpoints.count(own_id) == 0) {
+    element.FailAt("same_as", "the id of a setpoint before this one");
+  }
+  return own_id;
+}
+
 void ReadSetpoints(const XmlElement& instrument, InstrumentDescription& description) {
   if (!instrument.HasChild("setpoints")) return;
   const XmlElement setpoints = instrument.Child("setpoints", {.repeated = {"setpoint"}});
   for (const XmlElement& element :
-       setpoints.Children("setpoint", {.attributes = {"id", "type", "value"}})) {
-    const std::optional<ValueType> type = ParseValueType(element.Text("type"));
-    if (!type) element.FailAt("type", "int16, int32, double or boolean");
-    const std::optional<Variant> value = ParseSetpointValue(*type, element.Text("value"));
-    if (!value) element.FailAt("value", ExpectedValue(*type));
-    if (!description.setpoints.emplace(element.Integer("id"), Setpoint{*type, *value}).second) {
+       setpoints.Children("setpoint", {.attributes = {"id", "type", "value", "same_as"}})) {
+    const std::int32_t id = element.Integer("id");
+    if (description.setpoints.count(id) + description.setpoint_aliases.count(id) > 0) {
       element.FailAt("id", "each id once");
+    }
+    if (element.Has("same_as")) {
+      description.setpoint_aliases.emplace(id, ReadAlias(element, description));
+    } else {
+      description.setpoints.emplace(id, ReadSetpoint(element));
     }
   }
 }

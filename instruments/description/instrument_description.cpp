@@ -9,6 +9,11 @@ constexpr std::int32_t kCalibrantListSetpoint = 117;
 
 }  // namespace
 
+std::int32_t OwnSetpointId(const InstrumentDescription& description, std::int32_t id) {
+  const auto alias = description.setpoint_aliases.find(id);
+  return alias == description.setpoint_aliases.end() ? id : alias->second;
+}
+
 std::vector<double> CalibrantMasses(const InstrumentDescription& description) {
   const auto selector = description.setpoints.find(kCalibrantListSetpoint);
   if (selector == description.setpoints.end()) return {};

@@ -61,6 +61,7 @@ struct InstrumentDescription {
   std::string aic_flag_key;                  // the flag whose value "No" allows AIC
   std::map<std::string, std::string> flags;  // by key
   std::map<std::int32_t, Setpoint> setpoints;
+  std::map<std::int32_t, std::int32_t> setpoint_aliases;  // further ids of setpoints
 
   CoefficientRecord factory_coefficients{};                // in force at the start
   masstime::Weighting trad_weighting{};                    // of a fit of A and t0 alone
@@ -70,6 +71,9 @@ struct InstrumentDescription {
 
   std::variant<virtual_instrument::VirtualSourceParameters, recorded::RecordedFiles> source;
 };
+
+// The id under which a setpoint is kept: what `id` is an alias of, else `id` itself.
+std::int32_t OwnSetpointId(const InstrumentDescription& description, std::int32_t id);
 
 // The calibrant list that the present value of setpoint 117 selects; empty when there is none.
 std::vector<double> CalibrantMasses(const InstrumentDescription& description);

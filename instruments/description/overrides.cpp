@@ -58,7 +58,8 @@ void OverrideFlag(InstrumentDescription& description, std::string_view text) {
 void OverrideSetpoint(InstrumentDescription& description, std::string_view text) {
   const auto [id_text, value_text] = Split(text, "Id=Value");
   const std::optional<std::int32_t> id = spectra::ParseInt32(id_text);
-  const auto setpoint = id ? description.setpoints.find(*id) : description.setpoints.end();
+  const auto setpoint = id ? description.setpoints.find(OwnSetpointId(description, *id))
+                           : description.setpoints.end();
   if (setpoint == description.setpoints.end()) {
     Fail(text, "unknown setpoint " + Quoted(id_text), "the id of a setpoint of the description");
   }

@@ -28,7 +28,7 @@ Calibration StartingCalibration(const InstrumentState& state) {
 }
 
 const description::Setpoint& SetpointOf(const InstrumentState& state, std::int32_t id) {
-  const auto setpoint = state.setpoints.find(id);
+  const auto setpoint = state.setpoints.find(OwnSetpointId(state.description, id));
   if (setpoint == state.setpoints.end()) {
     throw AutomationError(static_cast<std::int32_t>(RunTimeError::kInvalidCall),
                           "The instrument has no setpoint " + std::to_string(id));

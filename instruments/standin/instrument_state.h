@@ -70,7 +70,8 @@ masstime::AcquisitionWindow WindowOf(const InstrumentState& state);
 // the higher terms belong to the old A and t0 and are then 0.
 Calibration StartingCalibration(const InstrumentState& state);
 
-// The value of a setpoint. Raises error 5, naming the id, for one that the instrument doesn't have.
+// The value of a setpoint, by its own id or an alias. Raises error 5, naming the id, for one that
+// the instrument doesn't have.
 const description::Setpoint& SetpointOf(const InstrumentState& state, std::int32_t id);
 
 }  // namespace tof::standin

@@ -31,14 +31,16 @@ void StandInSetpointTable::SetSetpoint(std::int32_t id, ValueType type, const Va
   state_->gate.Enter(Operation::kSetpointTableSetSetpoint);
   const ValueType own_type = SetpointOf(*state_, id).type;
   const Variant stored = AsType(own_type, AsType(type, value));
-  state_->source->SetpointWritten(id, ToDouble(stored));
-  state_->setpoints.at(id).value = stored;
+  const std::int32_t own_id = OwnSetpointId(state_->description, id);
+  state_->source->SetpointWritten(own_id, ToDouble(stored));
+  state_->setpoints.at(own_id).value = stored;
 }
 
 Variant StandInSetpointTable::GetCurrentValue(std::int32_t id) {
   state_->gate.Enter(Operation::kSetpointTableGetCurrentValue);
   const Variant& written = SetpointOf(*state_, id).value;
-  const std::optional<double> true_value = state_->source->TrueValue(id);
+  const std::optional<double> true_value =
+      state_->source->TrueValue(OwnSetpointId(state_->description, id));
   return true_value ? Variant(*true_value) : written;
 }
 

@@ -65,6 +65,14 @@ TEST(DescriptionReader, ReadsEachSetpointAsItsType) {
   EXPECT_EQ(description.setpoints.at(149).type, ValueType::kInt16);
 }
 
+TEST(DescriptionReader, ReadsASecondIdOfASetpoint) {
+  const InstrumentDescription description = ParseDescription(
+      SampleWith("</setpoints>", "<setpoint id=\"84\" same_as=\"83\"/></setpoints>"), "d.xml");
+  EXPECT_EQ(description.setpoints.count(84), 0u);
+  EXPECT_EQ(OwnSetpointId(description, 84), 83);
+  EXPECT_EQ(OwnSetpointId(description, 83), 83);
+}
+
 TEST(DescriptionReader, ReadsCoefficientsAndTakesAbsentTermsAsZero) {
   const InstrumentDescription description = Sample();
   EXPECT_THAT(description.factory_coefficients,

@@ -65,6 +65,12 @@ TEST_F(Overrides, SetSetpointsInTheirType) {
   EXPECT_EQ(description_.setpoints[150].value, Variant(false));
 }
 
+TEST_F(Overrides, SetASetpointThroughItsOtherId) {
+  description_.setpoint_aliases[84] = 83;
+  OverrideSetpoint(description_, "84=20");
+  EXPECT_EQ(description_.setpoints[83].value, Variant(20.0));
+}
+
 TEST_F(Overrides, RefuseWrongSetpoints) {
   EXPECT_EQ(Refusal(OverrideSetpoint, "83"), "override \"83\": found no \"=\", expected Id=Value");
   EXPECT_EQ(

@@ -36,6 +36,15 @@ TEST_F(SetpointTableTest, KeepsTheTypeOfASetpoint) {
   EXPECT_EQ(Table()->GetSetpoint(83), Variant(42.0));
 }
 
+TEST_F(SetpointTableTest, ReachesASetpointThroughItsOtherId) {
+  Table()->SetSetpoint(84, ValueType::kDouble, Variant(25.0));
+  EXPECT_EQ(Table()->GetSetpoint(83), Variant(25.0));
+  EXPECT_EQ(Table()->GetSetpoint(84), Variant(25.0));
+  // Still on its way.
+  EXPECT_EQ(Table()->GetCurrentValue(84), Variant(75.0));
+  EXPECT_EQ(test_.instrument.CreateAcqController()->ReadSetpoint(84), Variant(25.0));
+}
+
 TEST_F(SetpointTableTest, RefusesWhatItDoesNotHave) {
   EXPECT_EQ(ErrorNumberOf([&] { Table()->GetSetpoint(999); }), 5);
   EXPECT_EQ(ErrorNumberOf([&] { Table()->SetSetpoint(999, ValueType::kDouble, Variant(1.0)); }), 5);
