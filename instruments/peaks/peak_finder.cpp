@@ -72,6 +72,18 @@ double FinalTolerance(double time_ns, const Alignment& alignment,
   return std::max(std::min(spread, isotope), least);
 }
 
+// The most abundant peak between two flight times. The whole spectrum is picked, for the width of a
+// peak and the noise are taken from it.
+std::optional<Peak> PeakBetween(const spectra::Spectrum& spectrum, double start_ns, double end_ns,
+                                const FinderOptions& options) {
+  const PickedSpectrum picked = Pick(spectrum, -kInfinity, kInfinity, options);
+  return PeakNear(picked.peaks, 0.5 * (start_ns + end_ns), 0.5 * (end_ns - start_ns));
+}
+
+double AbundanceOf(const std::optional<Peak>& peak) {
+  return peak ? peak->abundance : 0.0;
+}
+
 // The one cluster in the window, or the one that outweighs all others.
 std::optional<Peak> OnlyCluster(std::span<const Cluster> clusters, const Expected& expected) {
   const double reach_ns =
@@ -142,15 +154,18 @@ std::optional<Peak> FindPeakAtMass(const spectra::Spectrum& spectrum, double mas
                                    const FinderOptions& options) {
   const double from_ns = masstime::MassToTime(calibration, mass - tolerance_mz);
   const double to_ns = masstime::MassToTime(calibration, mass + tolerance_mz);
-  const PickedSpectrum picked = Pick(spectrum, -kInfinity, kInfinity, options);
-  return PeakNear(picked.peaks, 0.5 * (from_ns + to_ns), 0.5 * (to_ns - from_ns));
+  return PeakBetween(spectrum, from_ns, to_ns, options);
 }
 
 double MeasurePeakAbundance(const spectra::Spectrum& spectrum, double mass, double tolerance_mz,
                             const masstime::MassTimeModel& calibration,
                             const FinderOptions& options) {
-  const auto peak = FindPeakAtMass(spectrum, mass, tolerance_mz, calibration, options);
-  return peak ? peak->abundance : 0.0;
+  return AbundanceOf(FindPeakAtMass(spectrum, mass, tolerance_mz, calibration, options));
+}
+
+double MeasureAbundanceBetween(const spectra::Spectrum& spectrum, double start_ns, double end_ns,
+                               const FinderOptions& options) {
+  return AbundanceOf(PeakBetween(spectrum, start_ns, end_ns, options));
 }
 
 }  // namespace tof::peaks

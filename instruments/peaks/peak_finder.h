@@ -52,4 +52,8 @@ double MeasurePeakAbundance(const spectra::Spectrum& spectrum, double mass, doub
                             const masstime::MassTimeModel& calibration,
                             const FinderOptions& options = {});
 
+// The abundance of the most abundant peak between two flight times, 0 when there is none.
+double MeasureAbundanceBetween(const spectra::Spectrum& spectrum, double start_ns, double end_ns,
+                               const FinderOptions& options = {});
+
 }  // namespace tof::peaks

@@ -25,7 +25,7 @@ class RecordedSource : public spectra::SpectrumSource {
   SpectrumPtr Newest() override;
   void SetpointWritten(std::int32_t, double) override {}
   std::optional<double> TrueValue(std::int32_t) const override { return std::nullopt; }
-  bool RespondsToSetpoints() const override { return false; }
+  std::optional<spectra::AbundanceControl> Control() const override { return std::nullopt; }
   double BinWidthNs() const override { return spectra_.front()->bin_width_ns; }
 
  private:

@@ -9,6 +9,12 @@
 
 namespace tof::spectra {
 
+// The setpoint that moves the abundances of the peaks, and how long it takes to act.
+struct AbundanceControl {
+  std::int32_t setpoint = 0;
+  double settling_sec = 0.0;  // after which no spectrum shows the old value any more
+};
+
 // Every operation may raise an AutomationError and has then changed nothing.
 class SpectrumSource {
  public:
@@ -29,8 +35,8 @@ class SpectrumSource {
   // What a setpoint really is at the moment, where that may differ from what was written to it.
   virtual std::optional<double> TrueValue(std::int32_t id) const = 0;
 
-  // Whether the spectra depend on setpoints at all.
-  virtual bool RespondsToSetpoints() const = 0;
+  // None when the spectra depend on no setpoint.
+  virtual std::optional<AbundanceControl> Control() const = 0;
 
   virtual double BinWidthNs() const = 0;
 };

@@ -3,6 +3,7 @@
 #include "component/automation/error.h"
 #include "instruments/standin/coefficients.h"
 #include "instruments/standin/column_statistics.h"
+#include "instruments/standin/instrument_access.h"
 
 namespace tof::standin {
 
@@ -80,7 +81,7 @@ void StandInAcqController::EndAIC() {
 
 Variant StandInAcqController::ReadSetpoint(std::int32_t id) {
   state_->gate.Enter(Operation::kAcqControllerReadSetpoint);
-  return SetpointOf(*state_, id).value;
+  return standin::ReadSetpoint(*state_, id);
 }
 
 std::string StandInAcqController::GetConfigurationName() {

@@ -104,15 +104,6 @@ std::shared_ptr<MassCalCoefficients> StandInInstrument::CreateMassCalCoefficient
   return MakeCoefficients(state_, {});
 }
 
-Counters StandInInstrument::Counted() const {
-  const OperationGate& gate = state_->gate;
-  return {gate.Calls(Operation::kSpecParserGetCalibrantPeakAttributes),
-          gate.Calls(Operation::kSetpointTableSetSetpoint),
-          gate.Calls(Operation::kSetpointTableGetSetpoint) +
-              gate.Calls(Operation::kSetpointTableGetCurrentValue) +
-              gate.Calls(Operation::kAcqControllerReadSetpoint)};
-}
-
 const virtual_instrument::VirtualSource* StandInInstrument::Virtual() const {
   return dynamic_cast<const virtual_instrument::VirtualSource*>(state_->source.get());
 }

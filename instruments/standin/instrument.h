@@ -22,13 +22,6 @@ struct InstrumentOptions {
   std::vector<Fault> faults = {};
 };
 
-// What an instrument was asked for.
-struct Counters {
-  std::int64_t spectra = 0;  // acquired; a look at the newest one isn't counted
-  std::int64_t setpoint_writes = 0;
-  std::int64_t setpoint_reads = 0;
-};
-
 // Virtual or recorded, as the description says. All collaborators that it creates share one state,
 // which outlives it as long as one of them lives.
 class StandInInstrument : public InstrumentFactory {
@@ -54,7 +47,7 @@ class StandInInstrument : public InstrumentFactory {
   void RequestAbort() noexcept { state_->abort_requested = true; }
   void WithdrawAbort() noexcept { state_->abort_requested = false; }
 
-  Counters Counted() const;
+  Counters Counted() const { return state_->counters; }
   const InstrumentState& State() const { return *state_; }
 
   // The virtual instrument's source, for judging a calibration by the truth; none for a recorded

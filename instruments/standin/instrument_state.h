@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <limits>
 #include <map>
 #include <memory>
@@ -28,6 +29,13 @@ struct Calibration {
   CalInfo info;
 };
 
+// What an instrument did, its own searches included.
+struct Counters {
+  std::int64_t spectra = 0;  // acquired; a look at the newest one isn't counted
+  std::int64_t setpoint_writes = 0;
+  std::int64_t setpoint_reads = 0;
+};
+
 struct InstrumentState {
   // Never written after the instrument was made.
   description::InstrumentDescription description;
@@ -39,7 +47,11 @@ struct InstrumentState {
   // Written by: every operation, first thing.  Read by: the host, for its report.
   OperationGate gate;
 
-  // Written by: the setpoint table.  Read by: the table, the acquisition controller, the host.
+  // Written by: the accesses (instrument_access.h).  Read by: the host, for its report.
+  Counters counters = {};
+
+  // Written by: the accesses, for the setpoint table and the searches.  Read by: the setpoint
+  // table, the acquisition controller, the host.
   std::map<std::int32_t, description::Setpoint> setpoints;
 
   // Written by: AcqController.SetCalibCoefficients, which ends the starting values.

@@ -10,9 +10,14 @@
 #include "component/automation/error.h"
 #include "instruments/masstime/stored_peak_list.h"
 #include "instruments/peaks/peak_finder.h"
+#include "instruments/standin/abundance_search.h"
+#include "instruments/standin/instrument_access.h"
 
 namespace tof::standin {
 namespace {
+
+// As wide as every other look at a calibrant's abundance.
+constexpr double kMassToleranceOfSearch = 0.2;
 
 [[noreturn]] void RaiseInvalidCall(const std::string& reason) {
   throw AutomationError(static_cast<std::int32_t>(RunTimeError::kInvalidCall), reason);
@@ -57,7 +62,7 @@ PeakAttribsTable StandInSpecParser::GetCalibrantPeakAttributes(const Variant& ma
   const BoundedArray<double> expected = MassesFromCaller(masses);
   PeakAttribsTable table({0, 1}, {0, expected.UBound()});
   const masstime::MassTimeModel model = ModelOf(*state_);
-  const spectra::SpectrumSource::SpectrumPtr spectrum = state_->source->Acquire();
+  const spectra::SpectrumSource::SpectrumPtr spectrum = AcquireSpectrum(*state_);
   const auto found = Searched([&] {
     return peaks::FindCalibrants(*spectrum, std::vector<double>(expected.begin(), expected.end()),
                                  model, peak_find_window, state_->description.finder);
@@ -99,12 +104,25 @@ void StandInSpecParser::FindPeaks(double start_ns, double end_ns, std::int32_t p
 
 bool StandInSpecParser::ShouldAvoidAIC(const Variant&, double&) {
   state_->gate.Enter(Operation::kSpecParserShouldAvoidAIC);
-  return !state_->source->RespondsToSetpoints();
+  return !state_->source->Control();
 }
 
-void StandInSpecParser::SearchTargetAbundance(double, double) {
+void StandInSpecParser::SearchTargetAbundance(double mass, double tolerance) {
   state_->gate.Enter(Operation::kSpecParserSearchTargetAbundance);
-  throw AutomationError(445, "The parser of this instrument has no search for a target abundance");
+  const masstime::MassTimeModel model = ModelOf(*state_);
+  const auto abundance_in = [&](const spectra::Spectrum& spectrum) {
+    return Searched([&] {
+      return peaks::MeasurePeakAbundance(spectrum, mass, kMassToleranceOfSearch, model,
+                                         state_->description.finder);
+    });
+  };
+  const double scale = state_->description.acquisition.scale_factor;
+  const AbundanceBand band{scale * CalibrationSettingOf(*state_, "AIC_TargetMinAb"),
+                           scale * CalibrationSettingOf(*state_, "AIC_TargetMaxAb")};
+  const VoltageRange range{.low_volts = CalibrationSettingOf(*state_, "AIC_RF_LowValue"),
+                           .high_volts = CalibrationSettingOf(*state_, "AIC_RF_HighValue"),
+                           .precision_volts = tolerance};
+  SearchOnInstrument(*state_, "parser", abundance_in, band, range);
 }
 
 }  // namespace tof::standin

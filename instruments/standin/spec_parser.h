@@ -24,7 +24,9 @@ class StandInSpecParser : public SpecParser {
                  std::shared_ptr<PeakList>& list) override;
   // AIC needs spectra that setpoints change. The width is left alone.
   bool ShouldAvoidAIC(const Variant& masses, double& peak_find_width) override;
-  // This instrument's parser can't search: error 445.
+  // Searches between the settings of the RF voltages for the settings' band, times the scale
+  // factor, as SearchOnInstrument does; `tolerance`, in volts, is where it stops dividing an
+  // interval.
   void SearchTargetAbundance(double mass, double tolerance) override;
 
  private:

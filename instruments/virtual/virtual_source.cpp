@@ -50,6 +50,13 @@ std::optional<double> VirtualSource::TrueValue(std::int32_t id) const {
   return rf_volts_.At(clock_->Seconds());
 }
 
+std::optional<spectra::AbundanceControl> VirtualSource::Control() const {
+  // exp(-6): 0.05 V are left of a step of 20 V.
+  constexpr double kTimeConstants = 6.0;
+  return spectra::AbundanceControl{
+      rf_setpoint_, kTimeConstants * physics_.parameters().settling.time_constant_sec};
+}
+
 double VirtualSource::BinWidthNs() const {
   return physics_.parameters().acquisition.bin_ns;
 }

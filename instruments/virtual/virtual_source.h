@@ -42,7 +42,7 @@ class VirtualSource : public spectra::SpectrumSource {
 
   void SetpointWritten(std::int32_t id, double value) override;
   std::optional<double> TrueValue(std::int32_t id) const override;
-  bool RespondsToSetpoints() const override { return true; }
+  std::optional<spectra::AbundanceControl> Control() const override;  // the ion guide's voltage
   double BinWidthNs() const override;
 
   // For judging a calibration: the true law, and the mean drift in m/z ppm of the spectra acquired

@@ -54,7 +54,7 @@ TEST_F(RecordedSourceTest, HasTheBinsOfItsFirstSpectrum) {
 TEST_F(RecordedSourceTest, IsNotMovedBySetpoints) {
   RecordedSource source = Source({{{first_.Path()}}, 0.0, 1.0});
   source.SetpointWritten(83, 20.0);
-  EXPECT_FALSE(source.RespondsToSetpoints());
+  EXPECT_FALSE(source.Control());
   EXPECT_EQ(source.TrueValue(83), std::nullopt);
   EXPECT_EQ(clock_->Seconds(), 0.0);
 }
