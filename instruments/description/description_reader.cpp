@@ -42,9 +42,17 @@ Acquisition ReadAcquisition(const XmlElement& instrument) {
 Status ReadStatus(const XmlElement& instrument) {
   Status status;
   if (!instrument.HasChild("status")) return status;
-  const XmlElement element = instrument.Child("status", {.attributes = {"nrdystate", "runstate"}});
+  const XmlElement element = instrument.Child(
+      "status", {.attributes = {"nrdystate", "runstate"}, .repeated = {"not_ready"}});
   status.nrdystate = element.IntegerOr("nrdystate", status.nrdystate);
   status.runstate = element.IntegerOr("runstate", status.runstate);
+  for (const XmlElement& time :
+       element.Children("not_ready", {.attributes = {"from_sec", "to_sec"}})) {
+    status.not_ready.push_back({time.NumberOr("from_sec", 0.0), time.Number("to_sec")});
+    if (status.not_ready.back().to_sec <= status.not_ready.back().from_sec) {
+      time.FailAt("to_sec", "a time after from_sec");
+    }
+  }
   return status;
 }
 

@@ -31,11 +31,18 @@ struct Acquisition {
   double scale_factor = 1.0;  // multiplies the settings of the abundance band
 };
 
+// A time in which the instrument is not ready, on its own clock.
+struct NotReadyTime {
+  double from_sec = 0.0;
+  double to_sec = 0.0;  // ready again from here on
+};
+
 // The named values that say whether the instrument is ready: it is when `nrdystate` is not negative
 // and `runstate` is 2.
 struct Status {
   std::int32_t nrdystate = 0;
   std::int32_t runstate = 2;
+  std::vector<NotReadyTime> not_ready = {};  // `nrdystate` reads -1 then, whatever it is otherwise
 };
 
 // What a calibration is called with unless the user says otherwise.

@@ -39,6 +39,19 @@ TEST(DescriptionReader, ReadsHowPeaksAreFound) {
   EXPECT_FALSE(finder.resolving_power);
 }
 
+TEST(DescriptionReader, ReadsTheTimesWithoutReadiness) {
+  const InstrumentDescription description = ParseDescription(
+      SampleWith("runstate=\"1\"/>",
+                 "runstate=\"1\"><not_ready to_sec=\"3\"/><not_ready from_sec=\"7\" "
+                 "to_sec=\"8.5\"/></status>"),
+      "d.xml");
+  ASSERT_EQ(description.status.not_ready.size(), 2u);
+  EXPECT_EQ(description.status.not_ready[0].from_sec, 0.0);
+  EXPECT_EQ(description.status.not_ready[0].to_sec, 3.0);
+  EXPECT_EQ(description.status.not_ready[1].from_sec, 7.0);
+  EXPECT_EQ(description.status.not_ready[1].to_sec, 8.5);
+}
+
 TEST(DescriptionReader, ReadsTheDefaultsOfARun) {
   const InstrumentDescription description = Sample();
   EXPECT_EQ(description.run.spectra, 3);

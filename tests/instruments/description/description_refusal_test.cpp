@@ -60,6 +60,9 @@ INSTANTIATE_TEST_SUITE_P(
                 "d.xml:2:4: found time_s=\"nan\", expected a number"},
         Spoiled{"FractionForAWholeNumber", "start_us=\"30\"", "start_us=\"30.5\"",
                 "d.xml:2:4: found start_us=\"30.5\", expected a whole number of 32 bits"},
+        Spoiled{"NotReadyBackwards", "runstate=\"1\"/>",
+                "runstate=\"1\"><not_ready from_sec=\"2\" to_sec=\"2\"/></status>",
+                "d.xml:3:40: found to_sec=\"2\", expected a time after from_sec"},
         Spoiled{"UnknownCentroid", "centroid=\"edges\"", "centroid=\"edge\"",
                 "d.xml:4:4: found centroid=\"edge\", expected centre_of_gravity, edges, "
                 "log_parabola, gaussian_fit or matched_filter"},

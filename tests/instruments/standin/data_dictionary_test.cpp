@@ -24,13 +24,29 @@ TEST(StandInDataDictionary, TellsWhatTheDescriptionSays) {
 
 TEST(StandInDataDictionary, ReadsTheStatusByName) {
   auto description = description::BuiltInDescription();
-  description.status = {-3, 1};
+  description.status = {.nrdystate = -3, .runstate = 1};
   TestInstrument test(description);
   const auto reader = test.instrument.CreateDataDictionary()->GetStatusReader();
   EXPECT_EQ(reader->Read("ACTUAL.NDR[NRDYSTATE]", "VARIANT", 0), Variant(std::int32_t{-3}));
   EXPECT_EQ(reader->Read("REG[ACTUAL].OBJ[1].NDR[RUNSTATE]", "VARIANT", 0),
             Variant(std::int32_t{1}));
   EXPECT_EQ(ErrorNumberOf([&] { reader->Read("NRDYSTATE", "VARIANT", 0); }), 5);
+}
+
+TEST(StandInDataDictionary, IsNotReadyAtTheDescribedTimes) {
+  auto description = description::BuiltInDescription();
+  description.status.not_ready = {{0.0, 2.0}, {5.0, 6.0}};
+  TestInstrument test(description);
+  const auto reader = test.instrument.CreateDataDictionary()->GetStatusReader();
+  const auto ready_at = [&](double seconds) {
+    test.clock->Advance(seconds - test.clock->Seconds());
+    return *reader->Read("ACTUAL.NDR[NRDYSTATE]", "VARIANT", 0).As<std::int32_t>() >= 0;
+  };
+  EXPECT_FALSE(ready_at(0.0));
+  EXPECT_TRUE(ready_at(2.0));
+  EXPECT_TRUE(ready_at(4.5));
+  EXPECT_FALSE(ready_at(5.0));
+  EXPECT_TRUE(ready_at(6.0));
 }
 
 TEST(StandInDataDictionary, FreezesTheDisplay) {
