@@ -58,6 +58,10 @@ class TofCalibrator {
                                                             Variant& varAveragedMeasuredTimes,
                                                             bool& bSuppressAbImmuneCalib);
 
+  // What the last acquisition knows of each mass, for a host that shows it: the voltage (chosen by
+  // an abundance-immune acquisition alone, else 0) and, after a complete one, the averages.
+  const PeakTable& Peaks() const { return state_.data.peaks; }
+
  private:
   HostServices& host_;
   StatusEvents& events_;

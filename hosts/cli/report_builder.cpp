@@ -2,15 +2,18 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "component/automation/convert.h"
 #include "hosts/cli/coefficient_names.h"
 #include "hosts/cli/truth.h"
 #include "instruments/masstime/fit.h"
+#include "instruments/standin/instrument_access.h"
 
 namespace tof::cli {
 namespace {
 
+// Nothing but settle waits sleeps for this time.
 constexpr std::int32_t kSettleSliceMilliseconds = 400;
 
 // In the order of the masses; empty where nothing was measured.
@@ -31,12 +34,8 @@ std::optional<double> TimeAt(const BoundedArray<double>& times_ns, std::int32_t 
   return times_ns(index);
 }
 
-std::optional<double> AbundanceAt(const PeakAttribsTable& newest, std::int32_t index) {
-  if (!newest.IsDimensioned() || index > newest.UBound(2)) return std::nullopt;
-  return newest(0, index).abundance;
-}
-
-std::vector<MassRow> RowsOf(const RunOutcome& outcome, const standin::InstrumentState& state) {
+// The voltages are those of an abundance-immune acquisition.
+std::vector<MassRow> RowsOf(const RunOutcome& outcome, bool aic) {
   const BoundedArray<double> times_ns = TimesOf(outcome.averaged_times);
   std::vector<MassRow> rows;
   for (const double mass : outcome.masses) {
@@ -44,7 +43,12 @@ std::vector<MassRow> RowsOf(const RunOutcome& outcome, const standin::Instrument
     MassRow row;
     row.expected = mass;
     row.time_ns = TimeAt(times_ns, index);
-    row.abundance = AbundanceAt(state.newest_attributes, index);
+    // Without times nothing was averaged either.
+    if (index <= times_ns.UBound()) {
+      const CalibMassPeakData& peak = outcome.peaks(index);
+      row.abundance = peak.AveragedAttribs(1).abundance;
+      if (aic) row.voltage = peak.Voltage;
+    }
     rows.push_back(row);
   }
   return rows;
@@ -86,13 +90,26 @@ std::optional<double> LeaveOneOutPpm(const std::vector<MassRow>& rows,
   }
 }
 
+// A settle wait is made of as many slices as the setting says; one that was cut short by an abort
+// counts. Waits without a slice leave no trace and are not counted.
+std::int64_t SettleCalls(std::int64_t slices, const standin::InstrumentState& state) {
+  if (slices == 0) return 0;
+  const std::int64_t slices_per_call =
+      ToInt32(standin::CalibrationSettingOf(state, "AICSettlingTime_sec"));
+  return (slices + slices_per_call - 1) / slices_per_call;
+}
+
 Counts CountsOf(const standin::StandInInstrument& instrument, const native::PortableHost& host) {
   const standin::Counters counted = instrument.Counted();
-  // The settle waits of abundance-immune calibration are made of these slices; nothing else sleeps
-  // for this time. How many slices a wait has is the calibrator's affair: the calls are not counted
-  // from here.
-  return {counted.spectra, counted.setpoint_writes, counted.setpoint_reads, 0,
-          host.SleepsOf(kSettleSliceMilliseconds)};
+  const std::int64_t slices = host.SleepsOf(kSettleSliceMilliseconds);
+  return {counted.spectra, counted.setpoint_writes, counted.setpoint_reads,
+          SettleCalls(slices, instrument.State()), slices};
+}
+
+// How many spectra the averaged times are from: the last ones that were taken. An abundance-immune
+// acquisition takes some for each mass.
+std::int64_t SpectraCollected(const RunOutcome& outcome, bool aic) {
+  return outcome.spectra * (aic ? std::ssize(outcome.masses) : 1);
 }
 
 }  // namespace
@@ -109,14 +126,15 @@ CalibrationReport BuildReport(const RunOutcome& outcome,
     report.status_message = outcome.failure->message;
   }
   report.aic = state.gate.Calls(standin::Operation::kAcqControllerEndAIC) > 0;
-  report.masses = RowsOf(outcome, state);
+  report.masses = RowsOf(outcome, report.aic);
   if (report.ok) {
     const auto terms = static_cast<masstime::TermSet>(state.in_force.info.PolyTermsFlags);
     report.coefficients = state.in_force.coefficients;
     report.terms = NamesOfFitted(terms);
     AddErrors({state.in_force.coefficients, WindowOf(state)}, report);
     report.loo_ppm = LeaveOneOutPpm(report.masses, WindowOf(state), terms);
-    report.truth = TruthOf(instrument, report.masses, outcome.spectra);
+    report.truth =
+        TruthOf(instrument, report.masses, outcome.spectra, SpectraCollected(outcome, report.aic));
   }
   report.counts = CountsOf(instrument, host);
   report.instrument_seconds = state.clock->Seconds();

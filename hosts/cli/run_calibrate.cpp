@@ -6,8 +6,8 @@
 #include <variant>
 
 #include "component/automation/error.h"
-#include "component/calibrator/tof_calibrator.h"
 #include "hosts/cli/advice.h"
+#include "hosts/cli/calibration_call.h"
 #include "hosts/cli/calibration_setup.h"
 #include "hosts/cli/chosen_instrument.h"
 #include "hosts/cli/interrupt.h"
@@ -29,17 +29,6 @@ namespace {
 using description::InstrumentDescription;
 using spectra::InputError;
 
-class LastStatus : public StatusEvents {
- public:
-  void evtNewStatus(std::int32_t lStatus, const std::string& strMessage) override {
-    status_ = Status{lStatus, strMessage};
-  }
-  const std::optional<Status>& status() const { return status_; }
-
- private:
-  std::optional<Status> status_;
-};
-
 // The trace is a file of the user's own choice, not one of the calibrator's logs.
 void RegisterTrace(const std::string& path, native::PortableHost& host) {
   if (path.empty()) return;
@@ -53,34 +42,16 @@ void RegisterTrace(const std::string& path, native::PortableHost& host) {
   }
 }
 
-OptionalCalibrationArguments OptionalArguments(const CalibrateOptions& options,
-                                               const description::RunDefaults& defaults) {
-  OptionalCalibrationArguments arguments;
-  arguments.bThisIsAManualCalibration = options.manual;
-  arguments.dTradWeighting = options.trad_weighting.value_or(defaults.trad_weighting);
-  arguments.dPeakFindTimeWindow = options.peak_window.value_or(defaults.peak_window);
-  return arguments;
-}
-
-RunOutcome Calibrate(const CalibrateOptions& options, const description::RunDefaults& defaults,
-                     std::vector<double> masses, standin::StandInInstrument& instrument,
-                     HostServices& host) {
-  RunOutcome outcome;
-  outcome.masses = std::move(masses);
-  outcome.spectra = options.spectra.value_or(defaults.spectra);
-  LastStatus events;
-  try {
-    TofCalibrator calibrator(instrument, host, events);
-    bool suppress_aic = options.suppress_aic;
-    OptionalCalibrationArguments optional = OptionalArguments(options, defaults);
-    outcome.has_coefficients =
-        calibrator.calibrateTOFMassAxis(outcome.spectra, Variant::DoubleArray(outcome.masses),
-                                        outcome.averaged_times, suppress_aic, optional) != nullptr;
-    outcome.failure = events.status();
-  } catch (const AutomationError& error) {
-    outcome.failure = Status{error.number(), error.description()};
-  }
-  return outcome;
+CalibrationCall CallOf(const CalibrateOptions& options, const description::RunDefaults& defaults,
+                       std::vector<double> masses) {
+  CalibrationCall call;
+  call.spectra = options.spectra.value_or(defaults.spectra);
+  call.masses = std::move(masses);
+  call.suppress_aic = options.suppress_aic;
+  call.optional.bThisIsAManualCalibration = options.manual;
+  call.optional.dTradWeighting = options.trad_weighting.value_or(defaults.trad_weighting);
+  call.optional.dPeakFindTimeWindow = options.peak_window.value_or(defaults.peak_window);
+  return call;
 }
 
 double SecondsSince(std::chrono::steady_clock::time_point start) {
@@ -115,7 +86,7 @@ ExitCode RunCalibrate(const CalibrateOptions& options, const Terminal& terminal)
 
   const AbortOnInterrupt abort_on_interrupt(instrument);
   const RunOutcome outcome =
-      Calibrate(options, description.run, std::move(masses), instrument, *host);
+      Calibrate(CallOf(options, description.run, std::move(masses)), instrument, *host);
   progress.Finish();
 
   CalibrationReport report = BuildReport(outcome, instrument, *host);

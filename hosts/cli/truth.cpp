@@ -5,6 +5,7 @@
 
 #include "component/automation/convert.h"
 #include "instruments/masstime/mass_time_model.h"
+#include "instruments/standin/instrument_access.h"
 #include "instruments/virtual/truth.h"
 
 namespace tof::cli {
@@ -39,14 +40,8 @@ class IonScale {
   double counts_per_ion_ = 1.0;
 };
 
-// 0 when it is absent, as the calibrator takes it.
 double BandSetting(const standin::InstrumentState& state, const char* key) {
-  const auto& settings = state.description.settings;
-  const auto section = settings.find("Calibration");
-  if (section == settings.end()) return 0.0;
-  const auto setting = section->second.find(key);
-  if (setting == section->second.end()) return 0.0;
-  return setting->second * state.description.acquisition.scale_factor;
+  return standin::CalibrationSettingOf(state, key) * state.description.acquisition.scale_factor;
 }
 
 TruthFigures FiguresOf(const vi::ErrorFigures& errors) {
@@ -78,7 +73,8 @@ double MeanLambda(const std::vector<MassRow>& rows, const IonScale& scale) {
 }  // namespace
 
 std::optional<Truth> TruthOf(const standin::StandInInstrument& instrument,
-                             const std::vector<MassRow>& rows, std::int64_t spectra) {
+                             const std::vector<MassRow>& rows, std::int64_t spectra,
+                             std::int64_t collected) {
   const vi::VirtualSource* const source = instrument.Virtual();
   if (source == nullptr) return std::nullopt;
   const standin::InstrumentState& state = instrument.State();
@@ -94,7 +90,7 @@ std::optional<Truth> TruthOf(const standin::StandInInstrument& instrument,
       vi::CheckMasses(lightest->mass_u, heaviest->mass_u, kCheckMasses);
   const masstime::MassTimeModel model{state.in_force.coefficients, standin::WindowOf(state)};
   const auto time_to_mass = [&model](double time_ns) { return TimeToMass(model, time_ns); };
-  const double drift_ppm = source->MeanDriftPpm();
+  const double drift_ppm = source->MeanDriftPpm(collected);
   const auto errors_at = [&](double lambda) {
     return FiguresOf(vi::ErrorsAt(parameters, time_to_mass, masses, lambda, drift_ppm));
   };

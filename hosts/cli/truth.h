@@ -11,9 +11,11 @@
 namespace tof::cli {
 
 // Judges the coefficients in force by the instrument's true law, over masses that are log-spaced
-// between the lightest and the heaviest of `rows`, which carry time and abundance of `spectra`
-// spectra. None for a recorded instrument, and when fewer than two masses were measured.
+// between the lightest and the heaviest of `rows`, which carry the mean time and abundance of
+// `spectra` spectra of each mass. The law is that of the time in which the last `collected` spectra
+// were taken. None for a recorded instrument, and when fewer than two masses were measured.
 std::optional<Truth> TruthOf(const standin::StandInInstrument& instrument,
-                             const std::vector<MassRow>& rows, std::int64_t spectra);
+                             const std::vector<MassRow>& rows, std::int64_t spectra,
+                             std::int64_t collected);
 
 }  // namespace tof::cli

@@ -61,10 +61,6 @@ struct InstrumentState {
   // Written by: AcqController.SetLikelyAAndT0.  Read by: as the coefficients in force.
   std::optional<StartingValues> starting = {};
 
-  // What the parser made of the newest spectrum that was acquired.
-  // Written by: the parser.  Read by: the host, for its report.
-  PeakAttribsTable newest_attributes = {};
-
   // Written by: the spectrum display.  Read by: the host.
   bool display_is_live = true;
 

@@ -70,7 +70,6 @@ PeakAttribsTable StandInSpecParser::GetCalibrantPeakAttributes(const Variant& ma
   for (std::int32_t k = 0; k <= expected.UBound(); ++k) {
     FillRows(found[static_cast<std::size_t>(k)], expected(k), model, table(0, k), table(1, k));
   }
-  state_->newest_attributes = table;
   return table;
 }
 

@@ -1,5 +1,8 @@
 #include "instruments/virtual/virtual_source.h"
 
+#include <algorithm>
+#include <iterator>
+#include <numeric>
 #include <stdexcept>
 #include <utility>
 
@@ -30,8 +33,7 @@ spectra::SpectrumSource::SpectrumPtr VirtualSource::Take() {
 spectra::SpectrumSource::SpectrumPtr VirtualSource::Acquire() {
   SpectrumPtr spectrum = Take();
   clock_->Advance(physics_.parameters().acquisition.spectrum_duration_sec);
-  drift_sum_ppm_ += physics_.drift_ppm();
-  ++acquired_;
+  drifts_ppm_.push_back(physics_.drift_ppm());
   return spectrum;
 }
 
@@ -61,8 +63,11 @@ double VirtualSource::BinWidthNs() const {
   return physics_.parameters().acquisition.bin_ns;
 }
 
-double VirtualSource::MeanDriftPpm() const {
-  return acquired_ == 0 ? 0.0 : drift_sum_ppm_ / static_cast<double>(acquired_);
+double VirtualSource::MeanDriftPpm(std::int64_t spectra) const {
+  const std::int64_t count = std::min(spectra, std::ssize(drifts_ppm_));
+  if (count <= 0) return 0.0;
+  return std::accumulate(drifts_ppm_.end() - count, drifts_ppm_.end(), 0.0) /
+         static_cast<double>(count);
 }
 
 }  // namespace tof::virtual_instrument

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <vector>
 
 #include "instruments/spectra/instrument_clock.h"
 #include "instruments/spectra/spectrum_source.h"
@@ -45,10 +46,10 @@ class VirtualSource : public spectra::SpectrumSource {
   std::optional<spectra::AbundanceControl> Control() const override;  // the ion guide's voltage
   double BinWidthNs() const override;
 
-  // For judging a calibration: the true law, and the mean drift in m/z ppm of the spectra acquired
-  // so far (0 before the first).
+  // For judging a calibration: the true law, and the mean drift in m/z ppm of the last `spectra`
+  // acquired (of all when there are not as many, 0 before the first).
   const Parameters& parameters() const { return physics_.parameters(); }
-  double MeanDriftPpm() const;
+  double MeanDriftPpm(std::int64_t spectra) const;
 
  private:
   SpectrumPtr Take();
@@ -59,8 +60,7 @@ class VirtualSource : public spectra::SpectrumSource {
   SettlingValue rf_volts_;
   double gain_channel_;
   std::shared_ptr<spectra::InstrumentClock> clock_;
-  double drift_sum_ppm_ = 0.0;
-  std::int64_t acquired_ = 0;
+  std::vector<double> drifts_ppm_;  // of every spectrum acquired, for as long as the source lives
 };
 
 }  // namespace tof::virtual_instrument

@@ -11,6 +11,21 @@
 
 namespace tof::standin {
 
+// Its sleep is time for the instrument as well.
+class HostOnAClock : public fakes::FakeHost {
+ public:
+  HostOnAClock(fakes::Journal& journal, std::shared_ptr<spectra::InstrumentClock> clock)
+      : FakeHost(journal), clock_(std::move(clock)) {}
+
+  void Sleep(std::int32_t milliseconds) override {
+    FakeHost::Sleep(milliseconds);
+    clock_->Advance(milliseconds / 1000.0);
+  }
+
+ private:
+  std::shared_ptr<spectra::InstrumentClock> clock_;
+};
+
 struct TestInstrument {
   explicit TestInstrument(
       description::InstrumentDescription description = description::BuiltInDescription(),
@@ -18,8 +33,8 @@ struct TestInstrument {
       : instrument(std::move(description), options, host, clock) {}
 
   fakes::Journal journal;
-  fakes::FakeHost host{journal};
   std::shared_ptr<spectra::CountingClock> clock = std::make_shared<spectra::CountingClock>();
+  HostOnAClock host{journal, clock};
   StandInInstrument instrument;
 };
 

@@ -85,9 +85,11 @@ TEST_F(VirtualSourceTest, TakesAnyGainChannelButNoSpectrumWithAWrongOne) {
 TEST_F(VirtualSourceTest, RemembersTheMeanDriftOfWhatItAcquired) {
   parameters_.physics.drift = {60.0, 0.0};  // 1 ppm a second
   VirtualSource source = Source();
-  EXPECT_EQ(source.MeanDriftPpm(), 0.0);
+  EXPECT_EQ(source.MeanDriftPpm(3), 0.0);
   for (int i = 0; i < 3; ++i) source.Acquire();
-  EXPECT_NEAR(source.MeanDriftPpm(), 1.5, 1e-9);  // middles at 0.5, 1.5 and 2.5 s
+  EXPECT_NEAR(source.MeanDriftPpm(3), 1.5, 1e-9);  // middles at 0.5, 1.5 and 2.5 s
+  EXPECT_NEAR(source.MeanDriftPpm(2), 2.0, 1e-9);
+  EXPECT_NEAR(source.MeanDriftPpm(4), 1.5, 1e-9);
 }
 
 TEST_F(VirtualSourceTest, RefusesAnImpossibleInstrument) {
