@@ -23,7 +23,7 @@ int Calibrate(tof::InstrumentFactory& instrument, tof::HostServices& host) {
   const tof::Variant masses =
       tof::Variant::DoubleArray{90.97664, 226.95149, 498.90119, 906.82573, 1450.72512};
   tof::Variant flight_times;
-  bool suppress_aic = true;
+  bool suppress_aic = false;
   const auto coefficients =
       calibrator.calibrateTOFMassAxis(spectra, masses, flight_times, suppress_aic);
   if (coefficients == nullptr) return 1;  // the event has said why

@@ -23,6 +23,57 @@ TEST_F(CalibrateProgram, CalibratesTheBuiltInInstrument) {
   EXPECT_THAT(run.out, HasSubstr("1790.66223"));
   EXPECT_THAT(run.out, HasSubstr("true errors"));
   EXPECT_THAT(run.out, HasSubstr("log file: " + (folder_ / "Logfiles/CalibrationLog_20240321_")));
+  EXPECT_THAT(run.out, HasSubstr("log file: " + (folder_ / "Logfiles/AIC_20240321_")));
+}
+
+TEST_F(CalibrateProgram, RampsTheVoltageOfTheBuiltInInstrument) {
+  const ProgramResult run = CalibrateVirtual({"--json", "-"});
+  ASSERT_EQ(run.exit_code, 0) << run.err;
+  const json result = json::parse(run.out);
+  EXPECT_EQ(result["aic"], true);
+  for (const auto& mass : result["masses"]) {
+    EXPECT_GE(mass["voltage"], 20.0);
+    EXPECT_LE(mass["voltage"], 160.0);
+    EXPECT_GT(mass["abundance"], 90'000.0);
+    EXPECT_LT(mass["abundance"], 220'000.0);
+  }
+  // 71 steps, surveyed and walked, then ten spectra of each of ten masses.
+  const json counts = result["counts"];
+  EXPECT_EQ(counts["spectra"], 242);
+  EXPECT_EQ(counts["settle_calls"], 242);
+  EXPECT_EQ(counts["settle_slices"], 3 * 242);
+  EXPECT_NEAR(result["instrument_seconds"].get<double>(),
+              242 * 1.0 + 3 * 242 * 0.4 + counts["setpoint_writes"].get<int>() * 0.02, 1e-6);
+}
+
+TEST_F(CalibrateProgram, SearchesMassByMassOnSetpoint83) {
+  for (const char* fast : {"AIC_RunFastVersion=No", "AIC_RunFastVersion=Yes"}) {
+    const ProgramResult run = CalibrateVirtual(
+        {"--set", "Calibration/AIC_SetpointToUse=83", "--flag", fast, "--json", "-"});
+    ASSERT_EQ(run.exit_code, 0) << run.err;
+    const json result = json::parse(run.out);
+    EXPECT_EQ(result["aic"], true);
+    for (const auto& mass : result["masses"]) {
+      EXPECT_GT(mass["abundance"], 90'000.0) << fast << mass;
+      EXPECT_LT(mass["abundance"], 240'000.0) << fast << mass;
+    }
+  }
+}
+
+TEST_F(CalibrateProgram, WaitsForAnInstrumentThatIsNotReadyYet) {
+  std::string text = BytesOf(std::filesystem::path(TOF_SOURCE_DIR) / "examples/virtual.xml");
+  const std::string status = R"(<status nrdystate="0" runstate="2"/>)";
+  text.replace(text.find(status), status.size(), R"(<status><not_ready to_sec="4.2"/></status>)");
+  std::ofstream(folder_ / "late.xml") << text;
+  const auto seconds = [&](std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), {"--suppress-aic", "--json", "-"});
+    const ProgramResult run = CalibrateVirtual(std::move(arguments));
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    return json::parse(run.out)["instrument_seconds"].get<double>();
+  };
+  const double waited = seconds({"--instrument", folder_ / "late.xml"}) - seconds({});
+  EXPECT_GE(waited, 4.0);
+  EXPECT_LE(waited, 6.0);
 }
 
 TEST_F(CalibrateProgram, FindsTheCoefficientsOfARecordedSpectrum) {
@@ -60,10 +111,22 @@ TEST_F(CalibrateProgram, TellsTheTruthOfTheVirtualInstrument) {
     EXPECT_NEAR(truth[lambda]["rms_ppm"].get<double>(), std::hypot(common, mass_dependent), 1e-9);
   }
   EXPECT_EQ(truth["rms_ppm"], truth["in_band"]["rms_ppm"]);
+  EXPECT_LT(truth["in_band"]["rms_ppm"].get<double>(), 0.5);
+  EXPECT_GT(truth["limit_ppm"].get<double>(), 0.08);
+  EXPECT_LT(truth["limit_ppm"].get<double>(), 0.16);
+  // What the calibrants' dead time has moved is in the coefficients; a weak peak is not moved.
+  EXPECT_NEAR(truth["weak"]["common_ppm"].get<double>(), 0.4, 0.4);
+}
+
+TEST_F(CalibrateProgram, TellsTheTruthOfATraditionalCalibrationToo) {
+  const ProgramResult run = CalibrateVirtual({"--suppress-aic", "--json", "-"});
+  ASSERT_EQ(run.exit_code, 0) << run.err;
+  const json result = json::parse(run.out);
+  EXPECT_EQ(result["aic"], false);
+  EXPECT_TRUE(result["masses"][0]["voltage"].is_null());
   // Strong peaks read early; a calibration on them reads weak ones heavy.
-  EXPECT_GT(truth["weak"]["common_ppm"].get<double>(), 0.0);
-  EXPECT_GT(truth["limit_ppm"].get<double>(), 0.0);
-  EXPECT_LT(truth["limit_ppm"].get<double>(), truth["rms_ppm"].get<double>());
+  EXPECT_GT(result["truth"]["weak"]["common_ppm"].get<double>(), 5.0);
+  EXPECT_GT(result["truth"]["in_band"]["rms_ppm"].get<double>(), 5.0);
 }
 
 TEST_F(CalibrateProgram, WritesJsonAndTraceIntoFiles) {
