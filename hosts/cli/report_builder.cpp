@@ -106,13 +106,11 @@ Counts CountsOf(const standin::StandInInstrument& instrument, const native::Port
           SettleCalls(slices, instrument.State()), slices};
 }
 
-// How many spectra the averaged times are from: the last ones that were taken. An abundance-immune
-// acquisition takes some for each mass.
+}  // namespace
+
 std::int64_t SpectraCollected(const RunOutcome& outcome, bool aic) {
   return outcome.spectra * (aic ? std::ssize(outcome.masses) : 1);
 }
-
-}  // namespace
 
 CalibrationReport BuildReport(const RunOutcome& outcome,
                               const standin::StandInInstrument& instrument,
