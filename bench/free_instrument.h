@@ -3,6 +3,7 @@
 // stays is the table of peak attributes, which a parser has to hand over for every spectrum.
 #pragma once
 
+#include <chrono>
 #include <cmath>
 #include <memory>
 #include <string>
@@ -84,6 +85,7 @@ struct FreeDictionary : DataDictionary {
 };
 
 struct FreeController : AcqController {
+  explicit FreeController(BoundedArray<double> the_masses) : masses(std::move(the_masses)) {}
   void InitializeController(std::int32_t) override {}
   void InitializeAcquisition(std::int32_t) override {}
   Variant PrepareSetpointAccess() override { return {}; }
@@ -106,35 +108,59 @@ struct FreeController : AcqController {
   std::string GetConfigurationName() override { return {}; }
   BoundedArray<double> GetCalibrantMasses(std::int32_t, const std::string&,
                                           const std::string&) override {
-    return BoundedArray<double>{118.0};
+    return masses;
   }
+  BoundedArray<double> masses;
   std::shared_ptr<MassCalCoefficients> coefficients = std::make_shared<FreeCoefficients>();
 };
 
+// What it takes to copy the tables that the parser hands over.
+struct ParserTime {
+  bool is_taken = false;
+  std::chrono::steady_clock::duration spent{};
+};
+
 struct FreeParser : SpecParser {
-  explicit FreeParser(PeakAttribsTable the_answer) : answer(std::move(the_answer)) {}
-  PeakAttribsTable GetCalibrantPeakAttributes(const Variant&, double) override { return answer; }
+  FreeParser(PeakAttribsTable the_answer, ParserTime& the_time)
+      : answer(std::move(the_answer)), time(the_time) {}
+  PeakAttribsTable GetCalibrantPeakAttributes(const Variant&, double) override {
+    if (!time.is_taken) return answer;
+    const auto start = std::chrono::steady_clock::now();
+    PeakAttribsTable copy = answer;
+    time.spent += std::chrono::steady_clock::now() - start;
+    return copy;
+  }
   double GetPeakAttribute(PeakCalculationtype, double, double) override { return 0.0; }
   void FindPeaks(double, double, std::int32_t, std::int32_t&, std::shared_ptr<PeakList>&) override {
   }
   bool ShouldAvoidAIC(const Variant&, double&) override { return true; }
   void SearchTargetAbundance(double, double) override {}
   PeakAttribsTable answer;
+  ParserTime& time;
 };
 
 // The estimate of the likely A is skipped: it takes one spectrum, whatever their number.
 struct FreeFlags : TuneFlags {
+  explicit FreeFlags(const bool& collects_by_measurement)
+      : by_measurement(collects_by_measurement) {}
   std::string GetFlag(const std::string& key, std::int32_t) override {
+    if (key == "AIC_MinimizeImpactOfDriftOnCalibPointCollection") {
+      return by_measurement ? "Yes" : "No";
+    }
     if (key == "UseCalibrationAlgInMTObj" || key == "SkipCalcLikelyABeforeCalibration") {
       return "Yes";
     }
     if (key == "Calibration_VerifyCalibCoefficients") return "No";
     return key.rfind("SkipCalcLikelyABeforeCalibration_", 0) == 0 ? "1" : "";
   }
+  const bool& by_measurement;
 };
 
+// A ramp of a single step, at which every mass is below the maximum; no waits.
 struct FreeSettings : CalibSettings {
-  void GetValue(const std::string&, const std::string&, std::int32_t, double&) override {}
+  void GetValue(const std::string&, const std::string& key, std::int32_t, double& value) override {
+    if (key == "AIC_RF_Step" || key == "AIC_TargetMaxAb") value = 1.0;
+  }
 };
 
 struct FreeLogFiles : CalibLogFiles {
@@ -167,15 +193,17 @@ struct FreeInstrument : InstrumentFactory {
     return std::make_shared<FreeDictionary>();
   }
   std::shared_ptr<AcqController> CreateAcqController() override {
-    return std::make_shared<FreeController>();
+    return std::make_shared<FreeController>(*masses.As<Variant::DoubleArray>());
   }
   std::shared_ptr<SpecParser> CreateSpecParser() override {
-    return std::make_shared<FreeParser>(answer);
+    return std::make_shared<FreeParser>(answer, parser_time);
   }
   std::shared_ptr<CalibLogFiles> CreateCalibLogFiles() override {
     return std::make_shared<FreeLogFiles>();
   }
-  std::shared_ptr<TuneFlags> CreateTuneFlags() override { return std::make_shared<FreeFlags>(); }
+  std::shared_ptr<TuneFlags> CreateTuneFlags() override {
+    return std::make_shared<FreeFlags>(by_measurement);
+  }
   std::shared_ptr<CalibSettings> CreateCalibSettings() override {
     return std::make_shared<FreeSettings>();
   }
@@ -190,6 +218,8 @@ struct FreeInstrument : InstrumentFactory {
 
   Variant masses;
   PeakAttribsTable answer;
+  bool by_measurement = false;
+  ParserTime parser_time;
 };
 
 }  // namespace tof::bench
