@@ -58,36 +58,6 @@ double PredictedDriftRatio(const VirtualRun& run) {
 
 }  // namespace
 
-VirtualRun ByMeasurement() {
-  return {.description = BuiltIn()};
-}
-
-VirtualRun ByMass() {
-  VirtualRun run = ByMeasurement();
-  run.description.flags["AIC_MinimizeImpactOfDriftOnCalibPointCollection"] = "No";
-  return run;
-}
-
-VirtualRun ParserSearch() {
-  VirtualRun run = ByMeasurement();
-  Set(run.description, "AIC_SetpointToUse", 83);
-  return run;
-}
-
-VirtualRun FirmwareSearch() {
-  VirtualRun run = ParserSearch();
-  run.description.flags["AIC_RunFastVersion"] = "Yes";
-  return run;
-}
-
-Ways RunAllWays(std::uint64_t seeds) {
-  VirtualRun traditional = ByMeasurement();
-  traditional.suppress_aic = true;
-  return {RunSeries(ByMeasurement(), seeds), RunSeries(ByMass(), seeds),
-          RunSeries(ParserSearch(), seeds), RunSeries(FirmwareSearch(), seeds),
-          RunSeries(traditional, seeds)};
-}
-
 std::string AccuracyTable(const Ways& ways) {
   const double ratio =
       FiguresOf(ways.traditional).in_band.rms / FiguresOf(ways.by_measurement).in_band.rms;

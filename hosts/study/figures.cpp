@@ -65,10 +65,23 @@ double SettingOf(const Series& series, const char* key) {
 }  // namespace
 
 Series RunSeries(VirtualRun run, std::uint64_t seeds) {
-  Series series{std::move(run), {}};
+  Series series{.run = std::move(run), .results = {}};
   for (std::uint64_t seed = 1; seed <= seeds; ++seed) {
     series.run.seed = seed;
     series.results.push_back(Run(series.run));
+  }
+  return series;
+}
+
+Series RunSeriesWithFailures(VirtualRun run, std::uint64_t seeds) {
+  Series series{.run = std::move(run), .results = {}};
+  for (std::uint64_t seed = 1; seed <= seeds; ++seed) {
+    series.run.seed = seed;
+    try {
+      series.results.push_back(Run(series.run));
+    } catch (const CalibrationFailed&) {
+      ++series.failed;
+    }
   }
   return series;
 }

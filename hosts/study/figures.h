@@ -35,12 +35,17 @@ struct BandHits {
   std::size_t expected_in_band = 0;  // minimum to 1.1 times the maximum, without noise
 };
 
-// The calibrations of seeds 1 to `seeds`.
+// Calibrations that differ in their seed.
 struct Series {
   VirtualRun run;
-  std::vector<VirtualResult> results;
+  std::vector<VirtualResult> results;  // of those that came to an end
+  std::size_t failed = 0;
 };
+
+// Seeds 1 to `seeds`. Throws as Run does.
 Series RunSeries(VirtualRun run, std::uint64_t seeds);
+// The same, of calibrations that are expected to fail now and then.
+Series RunSeriesWithFailures(VirtualRun run, std::uint64_t seeds);
 
 SeriesFigures FiguresOf(const Series& series);
 BandHits HitsOf(const Series& series);

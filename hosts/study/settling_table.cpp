@@ -7,8 +7,10 @@ namespace {
 
 std::string InBand(VirtualRun run, int slices, std::uint64_t seeds) {
   Set(run.description, "AICSettlingTime_sec", slices);
-  const SeriesFigures figures = FiguresOf(RunSeries(std::move(run), seeds));
-  return fmt::format("{:.3f}", figures.in_band.rms);
+  const Series series = RunSeriesWithFailures(std::move(run), seeds);
+  if (series.results.empty()) return "all failed";
+  const std::string rms = fmt::format("{:.3f}", FiguresOf(series).in_band.rms);
+  return series.failed == 0 ? rms : fmt::format("{} ({} of {} failed)", rms, series.failed, seeds);
 }
 
 }  // namespace

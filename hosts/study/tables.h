@@ -3,25 +3,9 @@
 
 #include <string>
 
-#include "hosts/study/figures.h"
+#include "hosts/study/ways.h"
 
 namespace tof::study {
-
-// The ways to measure calibrants, each over the same seeds.
-struct Ways {
-  Series by_measurement;
-  Series by_mass;
-  Series parser_search;
-  Series firmware_search;
-  Series traditional;
-};
-Ways RunAllWays(std::uint64_t seeds);
-
-// The runs of the ways.
-VirtualRun ByMeasurement();
-VirtualRun ByMass();
-VirtualRun ParserSearch();
-VirtualRun FirmwareSearch();
 
 std::string AccuracyTable(const Ways& ways);
 std::string BandTable(const Ways& ways);

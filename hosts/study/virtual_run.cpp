@@ -88,8 +88,8 @@ VirtualResult Run(const VirtualRun& run) {
   VirtualResult result;
   result.report = cli::BuildReport(outcome, instrument, host);
   if (!result.report.ok) {
-    throw std::runtime_error("the calibration with seed " + std::to_string(run.seed) +
-                             " failed: " + result.report.status_message);
+    throw CalibrationFailed("the calibration with seed " + std::to_string(run.seed) +
+                            " failed: " + result.report.status_message);
   }
   if (result.report.aic) result.masses = MassesOf(run, outcome);
   result.drift_ppm =

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -30,9 +31,13 @@ struct VirtualResult {
   double drift_ppm = 0.0;             // mean of the spectra that the flight times are from
 };
 
+class CalibrationFailed : public std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
 // Calibrates on the description's calibrant list, with its own defaults, in virtual time; the log
-// files go to a folder that is removed again. Throws std::runtime_error with the calibration's own
-// words when it fails.
+// files go to a folder that is removed again. Throws CalibrationFailed with the calibration's own
+// words, std::runtime_error when there can be no such folder.
 VirtualResult Run(const VirtualRun& run);
 
 // The built-in instrument, for a study to change.
