@@ -8,15 +8,22 @@
 
 #include "component/automation/convert.h"
 #include "component/calibrator/instrument.h"
+#include "instruments/description/description_reader.h"
 
 namespace tof::conformance {
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr std::int32_t kRfId = 83;
 
 [[noreturn]] void Fail() {
   throw AutomationError(440, "The instrument is broken");
+}
+
+// The setpoint that abundance-immune calibration moves on the instrument that is spoilt here.
+std::int32_t RfId() {
+  static const double kId =
+      description::BuiltInDescription().settings.at("Calibration").at("AIC_SetpointToUse");
+  return ToInt32(kId);
 }
 
 // DataDictionary
@@ -121,7 +128,7 @@ struct RfVoltageReadWithAnOffset : ForwardingSetpointTable {
   using ForwardingSetpointTable::ForwardingSetpointTable;
   Variant GetSetpoint(std::int32_t id) override {
     const Variant value = inner_->GetSetpoint(id);
-    return id == kRfId ? Variant(ToDouble(value) + 0.2) : value;
+    return id == RfId() ? Variant(ToDouble(value) + 0.2) : value;
   }
 };
 

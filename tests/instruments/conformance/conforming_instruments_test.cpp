@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "component/automation/convert.h"
 #include "tests/instruments/conformance/outcomes.h"
 #include "tests/instruments/standin/test_instrument.h"
 #include "tests/support/fake_instrument.h"
@@ -116,10 +115,12 @@ TEST(VirtualInstrument, PassesTheSuite) {
 TEST(VirtualInstrument, IsLeftAsItWasFound) {
   standin::TestInstrument test;
   const auto& state = test.instrument.State();
-  const double rf_voltage = ToDouble(state.setpoints.at(83).value);
+  const auto setpoints = state.setpoints;
   const CoefficientRecord coefficients = state.in_force.coefficients;
   RunChecks({.factory = test.instrument, .host = test.host});
-  EXPECT_EQ(ToDouble(state.setpoints.at(83).value), rf_voltage);
+  for (const auto& [id, setpoint] : setpoints) {
+    EXPECT_EQ(state.setpoints.at(id).value, setpoint.value) << id;
+  }
   EXPECT_EQ(state.in_force.coefficients, coefficients);
   EXPECT_FALSE(state.starting.has_value());
   EXPECT_TRUE(state.display_is_live);
