@@ -32,10 +32,13 @@ std::vector<std::string> Head(const char* what) {
           "seconds"};
 }
 
-std::vector<std::string> Row(const char* what, VirtualRun run, std::uint64_t seeds) {
-  const Series series = RunSeries(std::move(run), seeds);
+std::vector<std::string> Row(const std::string& what, VirtualRun run, std::uint64_t seeds) {
+  const Series series = RunSeriesWithFailures(std::move(run), seeds);
+  if (series.results.empty()) return {what, "all failed", "", "", "", ""};
   const BandHits hits = HitsOf(series);
-  return {what,
+  const std::string failures =
+      series.failed == 0 ? "" : fmt::format(" ({} of {} failed)", series.failed, seeds);
+  return {what + failures,
           Percent(hits.expected_in_band, hits.masses),
           fmt::format("{:.0f}", MeanExpectedAbundance(series)),
           fmt::format("{:.3f}", FiguresOf(series).in_band.rms),
