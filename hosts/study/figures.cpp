@@ -16,9 +16,9 @@ double Mean(const std::vector<double>& values) {
 }
 
 double Rms(const std::vector<double>& values) {
-  std::vector<double> squares;
-  for (const double value : values) squares.push_back(value * value);
-  return std::sqrt(Mean(squares));
+  double squares = 0.0;
+  for (const double value : values) squares += value * value;
+  return std::sqrt(squares / static_cast<double>(values.size()));
 }
 
 double Largest(const std::vector<double>& values) {

@@ -40,10 +40,7 @@ void WriteAll(const std::filesystem::path& folder, std::uint64_t seeds, std::uin
   Write(folder / "adjustment.md", AdjustmentTable(few_seeds));
 }
 
-}  // namespace
-}  // namespace tof::study
-
-int main(int argc, char** argv) {
+int Main(int argc, char** argv) {
   CLI::App app("Measures what abundance-immune calibration is worth on the virtual instrument");
   std::string folder;
   std::uint64_t seeds = 20;
@@ -52,11 +49,18 @@ int main(int argc, char** argv) {
   app.add_option("--seeds", seeds, "runs of the main tables")->check(CLI::Range(1, 1000));
   app.add_option("--few-seeds", few_seeds, "runs of the others")->check(CLI::Range(1, 1000));
   CLI11_PARSE(app, argc, argv);
+  WriteAll(folder, seeds, few_seeds);
+  return 0;
+}
+
+}  // namespace
+}  // namespace tof::study
+
+int main(int argc, char** argv) {
   try {
-    tof::study::WriteAll(folder, seeds, few_seeds);
+    return tof::study::Main(argc, argv);
   } catch (const std::exception& error) {
     std::cerr << "aic_study: " << error.what() << '\n';
     return 1;
   }
-  return 0;
 }

@@ -38,7 +38,7 @@ void WriteSetpoint(InstrumentState& state, std::int32_t id, ValueType type, cons
 }
 
 spectra::SpectrumSource::SpectrumPtr AcquireSpectrum(InstrumentState& state) {
-  const spectra::SpectrumSource::SpectrumPtr spectrum = state.source->Acquire();
+  spectra::SpectrumSource::SpectrumPtr spectrum = state.source->Acquire();
   ++state.counters.spectra;
   return spectrum;
 }
