@@ -38,7 +38,7 @@ std::string Base64(const std::string& bytes) {
 template <typename Number>
 std::string Bytes(const std::vector<Number>& values) {
   std::string bytes(values.size() * sizeof(Number), '\0');
-  std::memcpy(bytes.data(), values.data(), bytes.size());
+  if (!values.empty()) std::memcpy(bytes.data(), values.data(), bytes.size());
   return bytes;
 }
 
