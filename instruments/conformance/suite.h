@@ -24,7 +24,7 @@ struct CheckResult {
 // Every check there is, collaborator by collaborator.
 std::vector<Check> AllChecks();
 
-// Runs them all, on collaborators of its own. Takes some twenty spectra, moves the RF voltage and
+// Runs them all, on collaborators of its own. Takes about fifteen spectra, moves the RF voltage and
 // the coefficients in force and puts them back, and leaves the display live. What stays are three
 // log files: one each of the prefixes "AIC" and "CalibrationData", and ConformanceCheck.txt.
 // Whatever a check raises is the failure of that check alone.
