@@ -10,6 +10,8 @@
 
 namespace tof::cli {
 
+enum class BandSide { kBelow, kAbove };
+
 // One expected mass. What is not known is absent: a mass whose peak was not found has no time.
 struct MassRow {
   double expected = 0.0;  // m/z
@@ -18,6 +20,8 @@ struct MassRow {
   std::optional<double> error_ppm;
   std::optional<double> voltage;
   std::optional<double> abundance;
+  // Of a mass that abundance-immune calibration could not bring into the target band.
+  std::optional<BandSide> outside_band = {};
 };
 
 // True errors, which only a virtual instrument knows; `common` is the mean over the masses.

@@ -34,8 +34,16 @@ std::optional<double> TimeAt(const BoundedArray<double>& times_ns, std::int32_t 
   return times_ns(index);
 }
 
+// Judged as the calibrator does, by the reading that it chose the voltage by.
+std::optional<BandSide> OutsideOf(const standin::AbundanceBand& band, std::int32_t abundance) {
+  if (abundance < band.minimum) return BandSide::kBelow;
+  if (abundance > ToInt32(band.maximum)) return BandSide::kAbove;
+  return std::nullopt;
+}
+
 // The voltages are those of an abundance-immune acquisition.
-std::vector<MassRow> RowsOf(const RunOutcome& outcome, bool aic) {
+std::vector<MassRow> RowsOf(const RunOutcome& outcome, bool aic,
+                            const standin::AbundanceBand& band) {
   const BoundedArray<double> times_ns = TimesOf(outcome.averaged_times);
   std::vector<MassRow> rows;
   for (const double mass : outcome.masses) {
@@ -47,7 +55,10 @@ std::vector<MassRow> RowsOf(const RunOutcome& outcome, bool aic) {
     if (index <= times_ns.UBound()) {
       const CalibMassPeakData& peak = outcome.peaks(index);
       row.abundance = peak.AveragedAttribs(1).abundance;
-      if (aic) row.voltage = peak.Voltage;
+      if (aic) {
+        row.voltage = peak.Voltage;
+        row.outside_band = OutsideOf(band, peak.Abundance);
+      }
     }
     rows.push_back(row);
   }
@@ -124,7 +135,7 @@ CalibrationReport BuildReport(const RunOutcome& outcome,
     report.status_message = outcome.failure->message;
   }
   report.aic = state.gate.Calls(standin::Operation::kAcqControllerEndAIC) > 0;
-  report.masses = RowsOf(outcome, report.aic);
+  report.masses = RowsOf(outcome, report.aic, standin::TargetBandOf(state));
   if (report.ok) {
     const auto terms = static_cast<masstime::TermSet>(state.in_force.info.PolyTermsFlags);
     report.coefficients = state.in_force.coefficients;

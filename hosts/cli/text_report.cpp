@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <string_view>
 
 #include "hosts/cli/coefficient_names.h"
 #include "hosts/cli/table_cell.h"
@@ -15,14 +16,20 @@ bool AnyTime(const CalibrationReport& report) {
                      [](const MassRow& row) { return row.time_ns.has_value(); });
 }
 
+// What the reader should know of a mass, behind its row.
+std::string_view RemarkOn(const MassRow& row) {
+  if (!row.time_ns) return "  no peak";
+  if (!row.outside_band) return "";
+  return *row.outside_band == BandSide::kBelow ? "  below the band" : "  above the band";
+}
+
 std::string MassTable(const CalibrationReport& report) {
   std::string text = fmt::format("{:>14} {:>14} {:>14} {:>9} {:>9} {:>11}\n", "expected m/z",
                                  "time, ns", "calculated", "ppm", "voltage", "abundance");
   for (const MassRow& row : report.masses) {
     text += fmt::format("{:>14.5f} {} {} {} {} {}{}\n", row.expected, Cell(row.time_ns, 14, 4),
                         Cell(row.calculated, 14, 5), SignedCell(row.error_ppm, 9, 3),
-                        Cell(row.voltage, 9, 2), Cell(row.abundance, 11, 0),
-                        row.time_ns ? "" : "  no peak");
+                        Cell(row.voltage, 9, 2), Cell(row.abundance, 11, 0), RemarkOn(row));
   }
   return text;
 }

@@ -121,7 +121,7 @@ std::int32_t ReadAlias(const XmlElement& element, const InstrumentDescription& d
     element.FailAt("same_as", "it without type and value");
   }
   const std::int32_t own_id = element.Integer("same_as");
-  if (description.setpoints.count(own_id) == 0) {
+  if (!description.setpoints.contains(own_id)) {
     element.FailAt("same_as", "the id of a setpoint before this one");
   }
   return own_id;

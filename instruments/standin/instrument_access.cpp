@@ -51,4 +51,10 @@ double CalibrationSettingOf(const InstrumentState& state, const std::string& key
   return setting == section->second.end() ? 0.0 : setting->second;
 }
 
+AbundanceBand TargetBandOf(const InstrumentState& state) {
+  const double scale = state.description.acquisition.scale_factor;
+  return {scale * CalibrationSettingOf(state, "AIC_TargetMinAb"),
+          scale * CalibrationSettingOf(state, "AIC_TargetMaxAb")};
+}
+
 }  // namespace tof::standin

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "instruments/standin/instrument_state.h"
+#include "instruments/standin/voltage_search.h"
 
 namespace tof::standin {
 
@@ -20,5 +21,8 @@ spectra::SpectrumSource::SpectrumPtr AcquireSpectrum(InstrumentState& state);
 
 // A setting of the section "Calibration"; an absent one is 0, as the calibrator takes it.
 double CalibrationSettingOf(const InstrumentState& state, const std::string& key);
+
+// "AIC_TargetMinAb" to "AIC_TargetMaxAb" times the scale factor, as the calibrator takes them.
+AbundanceBand TargetBandOf(const InstrumentState& state);
 
 }  // namespace tof::standin

@@ -115,13 +115,10 @@ void StandInSpecParser::SearchTargetAbundance(double mass, double tolerance) {
                                          state_->description.finder);
     });
   };
-  const double scale = state_->description.acquisition.scale_factor;
-  const AbundanceBand band{scale * CalibrationSettingOf(*state_, "AIC_TargetMinAb"),
-                           scale * CalibrationSettingOf(*state_, "AIC_TargetMaxAb")};
   const VoltageRange range{.low_volts = CalibrationSettingOf(*state_, "AIC_RF_LowValue"),
                            .high_volts = CalibrationSettingOf(*state_, "AIC_RF_HighValue"),
                            .precision_volts = tolerance};
-  SearchOnInstrument(*state_, "parser", abundance_in, band, range);
+  SearchOnInstrument(*state_, "parser", abundance_in, TargetBandOf(*state_), range);
 }
 
 }  // namespace tof::standin

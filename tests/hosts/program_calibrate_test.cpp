@@ -7,6 +7,7 @@ namespace tof::testing {
 namespace {
 
 using nlohmann::json;
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
@@ -74,6 +75,14 @@ TEST_F(CalibrateProgram, WaitsForAnInstrumentThatIsNotReadyYet) {
   const double waited = seconds({"--instrument", folder_ / "late.xml"}) - seconds({});
   EXPECT_GE(waited, 4.0);
   EXPECT_LE(waited, 6.0);
+}
+
+TEST_F(CalibrateProgram, MarksTheMassesThatItCouldNotBringIntoTheBand) {
+  const ProgramResult run = CalibrateVirtual({"--set", "Calibration/AIC_RF_HighValue=60"});
+  ASSERT_EQ(run.exit_code, 0) << run.err;
+  EXPECT_THAT(run.out, ContainsRegex("90\\.97664 [^\n]*  above the band"));
+  EXPECT_THAT(run.out, ContainsRegex("1790\\.66223 [^\n]*  below the band"));
+  EXPECT_THAT(run.out, Not(ContainsRegex("498\\.90119 [^\n]*  (above|below) the band")));
 }
 
 TEST_F(CalibrateProgram, FindsTheCoefficientsOfARecordedSpectrum) {

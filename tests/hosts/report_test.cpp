@@ -113,6 +113,14 @@ TEST(TextReport, ShowsMassesErrorsSummaryAndFiles) {
       "log file: out/Logfiles/a.txt\n");
 }
 
+TEST(TextReport, MarksTheMassesOutsideTheBand) {
+  CalibrationReport report = GoodReport();
+  report.masses[0].outside_band = BandSide::kBelow;
+  EXPECT_THAT(TableOf(report), HasSubstr("1234  below the band\n"));
+  report.masses[0].outside_band = BandSide::kAbove;
+  EXPECT_THAT(TableOf(report), HasSubstr("1234  above the band\n"));
+}
+
 TEST(TextReport, SaysThatACalibrationWasSkipped) {
   CalibrationReport report;
   report.skipped = true;
