@@ -14,12 +14,11 @@
 
 #include "component/automation/convert.h"
 #include "component/automation/number_text.h"
-#include "component/calibrator/tof_calibrator.h"
 #include "component/trace/trace.h"
 #include "tests/component/whole_run/aic_fault_table.h"
 #include "tests/component/whole_run/aic_ways.h"
 #include "tests/component/whole_run/placed_calls.h"
-#include "tests/support/calibration_fixture.h"
+#include "tests/component/whole_run/swept_run.h"
 
 namespace tof::fakes {
 namespace {
@@ -27,34 +26,14 @@ namespace {
 using aic_fault_table::Ends;
 
 constexpr double kEntryVolts = 75.0;
+
 // A new calibrator on a new instrument whose state moves while it measures.
-struct Bench {
-  explicit Bench(const Way& way) : host(journal), instrument(journal, host) {
+struct Bench : SweptRun {
+  explicit Bench(const Way& way) {
     host.trace->on = way.traced;
     Arrange(way, instrument);
-    masses = Variant::DoubleArray(instrument.sample_masses);
-    found = instrument.setpoints;
-    old_coefficients = instrument.in_force;
-    calibrator = std::make_unique<TofCalibrator>(instrument, host, events);
-    journal.Clear();
+    Create();
   }
-
-  std::shared_ptr<MassCalCoefficients> Calibrate() {
-    return calibrator->calibrateTOFMassAxis(n_spectra, masses, times, suppress_aic);
-  }
-
-  Journal journal;
-  FakeHost host;
-  FakeInstrument instrument;
-  std::map<std::int32_t, Variant> found;  // the setpoints before the run
-  std::shared_ptr<FakeCoefficients> old_coefficients;
-  RecordedEvents events;
-  ModuleStateScope module_state;
-  std::unique_ptr<TofCalibrator> calibrator;
-  std::int16_t n_spectra = 2;
-  Variant masses;
-  Variant times;
-  bool suppress_aic = false;
 };
 
 std::vector<PlacedCall> CallsOfATracedRun(Way way) {

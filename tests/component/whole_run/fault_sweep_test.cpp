@@ -12,11 +12,10 @@
 #include <vector>
 
 #include "component/automation/convert.h"
-#include "component/calibrator/tof_calibrator.h"
 #include "component/trace/trace.h"
 #include "tests/component/whole_run/fault_table.h"
 #include "tests/component/whole_run/placed_calls.h"
-#include "tests/support/calibration_fixture.h"
+#include "tests/component/whole_run/swept_run.h"
 #include "tests/support/expected_calls.h"
 
 namespace tof::fakes {
@@ -37,14 +36,11 @@ const Variant kMoved = Variant(std::int16_t{9});
 const Variant kTuned = Variant(50.0);
 
 // A new calibrator on a new instrument whose state moves while it measures.
-struct Bench {
-  explicit Bench(const Configuration& configuration)
-      : host(journal), instrument(journal, host), found(instrument.setpoints) {
+struct Bench : SweptRun {
+  explicit Bench(const Configuration& configuration) {
     host.trace->on = configuration.traced;
     instrument.sample_masses = {118.0863, 322.0481, 622.029, 922.0098};
-    masses = Variant::DoubleArray(instrument.sample_masses);
-    found[69] = 1.0;
-    instrument.setpoints = found;
+    instrument.setpoints[69] = 1.0;
     instrument.ready_states = {Variant(std::int32_t{-1}), Variant(std::int32_t{0})};
     instrument.on_spectrum = [this] {
       for (const std::int32_t id : {18, 150, 149, 128}) instrument.setpoints[id] = kMoved;
@@ -58,27 +54,8 @@ struct Bench {
       }
     }
     if (configuration.first_fit_is_bad) instrument.bad_fits = {0.5};
-    old_coefficients = instrument.in_force;
-    calibrator = std::make_unique<TofCalibrator>(instrument, host, events);
-    journal.Clear();
+    Create();
   }
-
-  std::shared_ptr<MassCalCoefficients> Calibrate() {
-    return calibrator->calibrateTOFMassAxis(n_spectra, masses, times, suppress_aic);
-  }
-
-  Journal journal;
-  FakeHost host;
-  FakeInstrument instrument;
-  std::map<std::int32_t, Variant> found;  // the setpoints before the run
-  std::shared_ptr<FakeCoefficients> old_coefficients;
-  RecordedEvents events;
-  ModuleStateScope module_state;
-  std::unique_ptr<TofCalibrator> calibrator;
-  std::int16_t n_spectra = 2;
-  Variant masses;
-  Variant times;
-  bool suppress_aic = false;
 };
 
 // --- The run in which nothing fails, and where in it each call stands.
