@@ -1,0 +1,37 @@
+# tof_idl(name FILE x.idl [IMPORTS name ...])
+# A type library and a C++ header from an IDL file: idl/x.tlb and idl/x.h of the build folder. Linking
+# to the target gives the header, and the folder for windres to find the library in.
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+find_program(TOF_WIDL ${TOF_MINGW_TRIPLE}-widl REQUIRED)
+# The declarations of IDispatch and the standard types, which come with Wine and not with mingw-w64.
+find_path(TOF_IDL_INCLUDE oaidl.idl PATHS /usr/include/wine/wine/windows NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+find_path(TOF_STDOLE_FOLDER stdole2.tlb
+  PATHS /usr/lib/x86_64-linux-gnu/wine/x86_64-windows NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+
+function(tof_idl name)
+  cmake_parse_arguments(ARG "" "FILE" "IMPORTS" ${ARGN})
+  cmake_path(GET ARG_FILE STEM stem)
+  set(folder "${CMAKE_BINARY_DIR}/idl")
+  file(MAKE_DIRECTORY "${folder}")
+  set(source "${CMAKE_CURRENT_SOURCE_DIR}/${ARG_FILE}")
+  cmake_path(GET source PARENT_PATH source_folder)
+  set(import_files "")
+  foreach(import IN LISTS ARG_IMPORTS)
+    list(APPEND import_files "$<TARGET_PROPERTY:${import},TOF_TYPE_LIBRARY>")
+  endforeach()
+  set(widl "${TOF_WIDL}" -I "${source_folder}" -I "${TOF_IDL_INCLUDE}" -L "${folder}" -L "${TOF_STDOLE_FOLDER}")
+  add_custom_command(
+    OUTPUT "${folder}/${stem}.tlb" "${folder}/${stem}.h"
+    COMMAND ${widl} -t -o "${folder}/${stem}.tlb" "${source}"
+    COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/tools/mend_type_library" "${folder}/${stem}.tlb"
+    COMMAND ${widl} -h -o "${folder}/${stem}.h" "${source}"
+    DEPENDS "${source}" "${PROJECT_SOURCE_DIR}/tools/mend_type_library" ${import_files}
+    VERBATIM)
+  add_custom_target(${name}_files DEPENDS "${folder}/${stem}.tlb" "${folder}/${stem}.h")
+  add_library(${name} INTERFACE)
+  add_dependencies(${name} ${name}_files ${ARG_IMPORTS})
+  # As system headers: what widl writes is not held to the project's warnings.
+  target_include_directories(${name} SYSTEM INTERFACE "${folder}")
+  target_link_libraries(${name} INTERFACE ${ARG_IMPORTS})
+  set_target_properties(${name} PROPERTIES TOF_TYPE_LIBRARY "${folder}/${stem}.tlb")
+endfunction()
