@@ -35,3 +35,21 @@ function(tof_idl name)
   target_link_libraries(${name} INTERFACE ${ARG_IMPORTS})
   set_target_properties(${name} PROPERTIES TOF_TYPE_LIBRARY "${folder}/${stem}.tlb")
 endfunction()
+
+# tof_com_server_dll(name SOURCES ... TYPE_LIBRARIES idl_target ... LINK target ...)
+# A DLL without "lib" before its name; its resource script names the type libraries, which windres
+# finds by their file names.
+function(tof_com_server_dll name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;TYPE_LIBRARIES;LINK" ${ARGN})
+  add_library(${name} SHARED ${ARG_SOURCES})
+  set_target_properties(${name} PROPERTIES PREFIX "")
+  target_link_libraries(${name} PRIVATE tof_options ${ARG_LINK} ${ARG_TYPE_LIBRARIES})
+  # The names in the .def file are those of the exports; 32-bit stdcall decorates the functions'.
+  target_link_options(${name} PRIVATE -Wl,--enable-stdcall-fixup -s)
+  set(resource_scripts ${ARG_SOURCES})
+  list(FILTER resource_scripts INCLUDE REGEX "\\.rc$")
+  foreach(library IN LISTS ARG_TYPE_LIBRARIES)
+    get_target_property(file ${library} TOF_TYPE_LIBRARY)
+    set_property(SOURCE ${resource_scripts} APPEND PROPERTY OBJECT_DEPENDS "${file}")
+  endforeach()
+endfunction()
