@@ -56,9 +56,9 @@ OwnedVariant DispatchObject::Invoke(std::string_view name, WORD kind, OwnedVaria
   }
   OwnedVariant answer;
   EXCEPINFO exception{};
-  const HRESULT result = object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
-                                         kind == DISPATCH_PROPERTYPUT ? nullptr : answer.Out(),
-                                         &exception, nullptr);
+  const HRESULT result =
+      object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
+                      kind == DISPATCH_PROPERTYPUT ? nullptr : answer.Out(), &exception, nullptr);
   if (result == DISP_E_EXCEPTION) throw TakeError(exception);
   Check(result);
   return answer;
@@ -91,8 +91,8 @@ Variant AutomationLateBoundObject::Call(std::string_view method,
 DispatchObject CreateDispatchObject(REFCLSID class_id, const std::string& what) {
   SetErrorInfo(0, nullptr);
   void* object = nullptr;
-  const HRESULT result = CoCreateInstance(class_id, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
-                                          IID_IDispatch, &object);
+  const HRESULT result = CoCreateInstance(
+      class_id, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER, IID_IDispatch, &object);
   if (result == REGDB_E_CLASSNOTREG) {
     throw AutomationError(static_cast<std::int32_t>(RunTimeError::kCannotCreateObject),
                           std::string(DescriptionOf(RunTimeError::kCannotCreateObject)) + ": " +

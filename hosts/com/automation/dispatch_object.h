@@ -19,9 +19,9 @@ class DispatchObject {
   // `what` names the object in errors, e.g. "the spectrum parser". Error 91 for no object.
   DispatchObject(ComPtr<IDispatch> object, std::string what);
 
-  // Calls a method with arguments in the order of its declaration: int32, double, bool, text, objects
-  // and OwnedVariants. The called object's error is raised as it is; a name that it does not have is
-  // error 438.
+  // Calls a method with arguments in the order of its declaration: int32, double, bool, text,
+  // objects and OwnedVariants. The called object's error is raised as it is; a name that it does
+  // not have is error 438.
   template <class... Arguments>
   OwnedVariant Call(std::string_view method, Arguments&&... arguments) {
     std::array<OwnedVariant, sizeof...(Arguments)> owned{
@@ -65,8 +65,8 @@ class AutomationLateBoundObject : public LateBoundObject {
   DispatchObject object_;
 };
 
-// A new object of a class, on this thread's apartment. `what` names it in errors: 429 with the class
-// when it is not registered, else the class's own error.
+// A new object of a class, on this thread's apartment. `what` names it in errors: 429 with the
+// class when it is not registered, else the class's own error.
 DispatchObject CreateDispatchObject(REFCLSID class_id, const std::string& what);
 DispatchObject CreateDispatchObject(const std::string& prog_id);
 

@@ -10,8 +10,8 @@
 
 namespace tof::com {
 
-// HRESULT 0x800Annnn stands for the automation error nnnn. A negative number is an HRESULT itself; a
-// positive one beyond 65,535, and 0, have none of their own and become E_FAIL.
+// HRESULT 0x800Annnn stands for the automation error nnnn. A negative number is an HRESULT itself;
+// a positive one beyond 65,535, and 0, have none of their own and become E_FAIL.
 HRESULT ResultOf(std::int32_t number);
 
 // The reverse. The results of COM itself that mean the same as a run-time error count as that
@@ -24,8 +24,8 @@ std::string TextOfResult(HRESULT result);
 // The error that a failed result stands for.
 AutomationError ErrorOf(HRESULT result);
 
-// The same for a call that leaves error information behind, where it did. Forget what an earlier call
-// left with SetErrorInfo before such a call.
+// The same for a call that leaves error information behind, where it did. Forget what an earlier
+// call left with SetErrorInfo before such a call.
 AutomationError ErrorLeftBy(HRESULT result);
 
 // The error that a called object put into an exception record; the record's texts are freed.

@@ -17,8 +17,8 @@ namespace tof::com {
 // descriptor.
 SAFEARRAY* ArrayIn(const VARIANT& value);
 
-// The elements of a safe array for as long as the view lives. Error 13 when the array is none or has
-// another element type or number of dimensions.
+// The elements of a safe array for as long as the view lives. Error 13 when the array is none or
+// has another element type or number of dimensions.
 class ArrayView {
  public:
   ArrayView(SAFEARRAY* array, VARTYPE element, UINT dimensions);
@@ -41,7 +41,8 @@ class ArrayView {
 };
 
 // A new array, its elements 0; `variant` owns it. Error 7 when there is no memory for it.
-SAFEARRAY* NewArray(OwnedVariant& variant, VARTYPE element, std::initializer_list<SAFEARRAYBOUND> bounds);
+SAFEARRAY* NewArray(OwnedVariant& variant, VARTYPE element,
+                    std::initializer_list<SAFEARRAYBOUND> bounds);
 
 OwnedVariant ToVariant(const BoundedArray<double>& values);
 OwnedVariant ToVariant(const BoundedArray2D<double>& values);

@@ -12,9 +12,9 @@ namespace tof::com {
 std::string Utf8(std::wstring_view wide);
 std::wstring Wide(std::string_view utf8);
 
-std::string TextOf(BSTR text);          // a null one is the empty text
-BSTR NewBstr(std::string_view utf8);    // the caller frees it
-std::string TextOf(REFGUID guid);       // as in "{88b5c185-...}"
+std::string TextOf(BSTR text);        // a null one is the empty text
+BSTR NewBstr(std::string_view utf8);  // the caller frees it
+std::string TextOf(REFGUID guid);     // as in "{88b5c185-...}"
 
 // A text for a call; freed afterwards.
 class Bstr {

@@ -7,11 +7,12 @@
 
 namespace tof::com {
 
-// References are followed. Every number type becomes the narrowest of the component's that holds it,
-// a one-dimensional array of doubles or of any values that convert becomes an array with the same
-// lower bound, an object a late-bound one. What the component has no type for (Null, records, arrays
-// of several dimensions, arrays without a descriptor) becomes a missing value, which converts to
-// nothing, so that the routine it is meant for raises the type mismatch. Error 7 when memory is out.
+// References are followed. Every number type becomes the narrowest of the component's that holds
+// it, a one-dimensional array of doubles or of any values that convert becomes an array with the
+// same lower bound, an object a late-bound one. What the component has no type for (Null, records,
+// arrays of several dimensions, arrays without a descriptor) becomes a missing value, which
+// converts to nothing, so that the routine it is meant for raises the type mismatch. Error 7 when
+// memory is out.
 Variant FromVariant(const VARIANT& value);
 
 // An object that did not come through FromVariant has no COM counterpart: error 13.

@@ -1,4 +1,5 @@
-// The headers of Windows and COM, in the one order and with the settings that all of this folder uses.
+// The headers of Windows and COM, in the one order and with the settings that all of this folder
+// uses.
 #pragma once
 
 #ifndef NOMINMAX

@@ -107,11 +107,13 @@ HRESULT CalibratorObject::GetAveragedTimesForCalibration(VARIANT varExpectedMass
   });
 }
 
-HRESULT CalibratorObject::calibrateTOFMassAxis(
-    short* nAvgSpectra, VARIANT varExpectedMasses, VARIANT* varAveragedMeasuredTimes,
-    VARIANT_BOOL* bSuppressAbImmuneCalib, VARIANT_BOOL* bOKtoFail,
-    VARIANT_BOOL* bThisIsAManualCalibration, double* dTradWeighting, double* dPeakFindTimeWindow,
-    IMassCalCoefficients** coefficients) {
+HRESULT CalibratorObject::calibrateTOFMassAxis(short* nAvgSpectra, VARIANT varExpectedMasses,
+                                               VARIANT* varAveragedMeasuredTimes,
+                                               VARIANT_BOOL* bSuppressAbImmuneCalib,
+                                               VARIANT_BOOL* bOKtoFail,
+                                               VARIANT_BOOL* bThisIsAManualCalibration,
+                                               double* dTradWeighting, double* dPeakFindTimeWindow,
+                                               IMassCalCoefficients** coefficients) {
   return Run("calibrateTOFMassAxis", [&] {
     Required(coefficients) = nullptr;
     VARIANT& averaged = Required(varAveragedMeasuredTimes);

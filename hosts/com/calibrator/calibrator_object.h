@@ -11,12 +11,11 @@
 
 namespace tof::com {
 
-// Drives the component with the registered instrument. A call that comes in while another runs, from
-// a message handler or an event sink, is refused with error 17 and changes nothing.
-class CalibratorObject final
-    : public DualObject<CalibratorObject, _TofCalibrator, IConnectionPointContainer,
-                        IProvideClassInfo2>,
-      private StatusEvents {
+// Drives the component with the registered instrument. A call that comes in while another runs,
+// from a message handler or an event sink, is refused with error 17 and changes nothing.
+class CalibratorObject final : public DualObject<CalibratorObject, _TofCalibrator,
+                                                 IConnectionPointContainer, IProvideClassInfo2>,
+                               private StatusEvents {
  public:
   // Creates the instrument's objects; raises what the component's creation raises.
   CalibratorObject();

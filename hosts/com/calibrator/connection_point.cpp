@@ -20,8 +20,8 @@ IConnectionPoint* GivePoint(const ComPtr<IConnectionPoint>& kept) {
 }
 
 using Connections = Enumeration<IEnumConnections, CONNECTDATA, Connection, &GiveConnection>;
-using Points = Enumeration<IEnumConnectionPoints, IConnectionPoint*, ComPtr<IConnectionPoint>,
-                           &GivePoint>;
+using Points =
+    Enumeration<IEnumConnectionPoints, IConnectionPoint*, ComPtr<IConnectionPoint>, &GivePoint>;
 
 }  // namespace
 
@@ -75,9 +75,8 @@ HRESULT ConnectionPoint::Unadvise(DWORD cookie) {
 HRESULT ConnectionPoint::EnumConnections(IEnumConnections** connections) {
   if (connections == nullptr) return E_POINTER;
   *connections = nullptr;
-  return AtBoundary(events_, "vorntofcaliblib.TofCalibrator", [&] {
-    *connections = NewObject<Connections>(connections_).Detach();
-  });
+  return AtBoundary(events_, "vorntofcaliblib.TofCalibrator",
+                    [&] { *connections = NewObject<Connections>(connections_).Detach(); });
 }
 
 std::vector<ComPtr<IDispatch>> ConnectionPoint::Sinks() const {

@@ -11,8 +11,8 @@
 
 namespace tof::com {
 
-// Interface: e.g. IEnumConnections, which gives out values of type Given. The list holds Kept values,
-// of which give_out(kept) makes a Given that the caller releases.
+// Interface: e.g. IEnumConnections, which gives out values of type Given. The list holds Kept
+// values, of which give_out(kept) makes a Given that the caller releases.
 template <class Interface, class Given, class Kept, Given (*give_out)(const Kept&)>
 class Enumeration final
     : public ComObject<Enumeration<Interface, Given, Kept, give_out>, Interface> {

@@ -11,9 +11,8 @@ namespace {
 
 class ThreadState;
 
-// Of the thread and of the module by their nature. Plain values: nothing runs when a thread ends, as
-// COM is gone by then.
-// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
+// Of the thread and of the module by their nature. Plain values: nothing runs when a thread ends,
+// as COM is gone by then. NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables)
 thread_local ThreadState* thread_state = nullptr;
 std::atomic<long> states{0};
 // NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)

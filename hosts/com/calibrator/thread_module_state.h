@@ -7,7 +7,8 @@ namespace tof::com {
 // holds, when the thread leaves COM, or with ReleaseModuleState.
 void EnsureModuleState();
 
-// Ends the calling thread's module state, for a module without objects that is about to be unloaded.
+// Ends the calling thread's module state, for a module without objects that is about to be
+// unloaded.
 void ReleaseModuleState();
 
 // On how many threads there is one.

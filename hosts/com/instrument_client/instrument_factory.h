@@ -7,8 +7,8 @@
 
 namespace tof::com {
 
-// Each class by its identity (vorninstrument.idl, vornmasstime.idl), on the calling thread. One that
-// is not registered is error 429, with its ProgID; any other failure is the class's own error.
+// Each class by its identity (vorninstrument.idl, vornmasstime.idl), on the calling thread. One
+// that is not registered is error 429, with its ProgID; any other failure is the class's own error.
 class RegisteredInstrument : public InstrumentFactory {
  public:
   std::shared_ptr<DataDictionary> CreateDataDictionary() override;
@@ -23,7 +23,7 @@ class RegisteredInstrument : public InstrumentFactory {
   std::shared_ptr<MassCalCoefficients> CreateMassCalCoefficients() override;
 
  private:
-  std::shared_ptr<InstrumentPaths> paths_;      // from the first time it is asked for
+  std::shared_ptr<InstrumentPaths> paths_;     // from the first time it is asked for
   std::shared_ptr<FirmwareLibrary> firmware_;  // likewise
 };
 

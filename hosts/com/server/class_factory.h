@@ -9,8 +9,8 @@
 
 namespace tof::com {
 
-// Makes objects with `create`, which answers a reference counted for the caller or raises; the error
-// is left as error information.
+// Makes objects with `create`, which answers a reference counted for the caller or raises; the
+// error is left as error information.
 class ClassFactory final : public ComObject<ClassFactory, IClassFactory> {
  public:
   using Create = std::function<ComPtr<IUnknown>()>;

@@ -1,6 +1,7 @@
 // What every COM object of this project has: a count of references and its interfaces.
 #pragma once
 
+#include <type_traits>
 #include <utility>
 
 #include "hosts/com/automation/com_ptr.h"
@@ -56,12 +57,6 @@ class ComObject : public First, public Others... {
 template <class Object, class... Arguments>
 ComPtr<Object> NewObject(Arguments&&... arguments) {
   return ComPtr<Object>::Adopt(new Object(std::forward<Arguments>(arguments)...));
-}
-
-// For a method's result: the interface, its reference handed over.
-template <class Interface, class Object>
-Interface* HandedOut(ComPtr<Object> object) {
-  return object.Detach();
 }
 
 }  // namespace tof::com

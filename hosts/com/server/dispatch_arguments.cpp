@@ -29,9 +29,8 @@ ParameterType TypeOf(const TYPEDESC& description) {
   }
   if (type->vt == VT_USERDEFINED && pointers == 0) return {.type = VT_I4};
   if (type->vt == VT_USERDEFINED) {
-    return {.type = VT_DISPATCH,
-            .by_reference = pointers > 1,
-            .interface_reference = type->hreftype};
+    return {
+        .type = VT_DISPATCH, .by_reference = pointers > 1, .interface_reference = type->hreftype};
   }
   return {.type = type->vt, .by_reference = pointers > 0};
 }
@@ -111,7 +110,8 @@ void DispatchArguments::ReferToLocal(Slot& slot) {
   slot.passed = local;
   if (!slot.parameter.by_reference) return;
   // The local must stay where it is from here on: slots are not moved any more.
-  VARIANT& kept = const_cast<VARIANT&>(slot.local.get());  // NOLINT(cppcoreguidelines-pro-type-const-cast)
+  VARIANT& kept =
+      const_cast<VARIANT&>(slot.local.get());  // NOLINT(cppcoreguidelines-pro-type-const-cast)
   V_VT(&slot.passed) = static_cast<VARTYPE>(VT_BYREF | slot.parameter.type);
   V_BYREF(&slot.passed) = slot.parameter.type == VT_VARIANT ? &kept : ValueOf(kept);
 }
@@ -139,7 +139,8 @@ HRESULT DispatchArguments::ConvertObject(Slot& slot) {
   V_DISPATCH(&local) = nullptr;
   if (object != nullptr) {
     void* wanted = nullptr;
-    if (FAILED(object->QueryInterface(InterfaceOf(info_, slot.parameter.interface_reference), &wanted))) {
+    if (FAILED(object->QueryInterface(InterfaceOf(info_, slot.parameter.interface_reference),
+                                      &wanted))) {
       return DISP_E_TYPEMISMATCH;
     }
     V_DISPATCH(&local) = static_cast<IDispatch*>(wanted);
@@ -218,9 +219,9 @@ HRESULT DispatchArguments::CallOn(void* object) {
   }
   VARIANT answer;
   VariantInit(&answer);
-  const HRESULT called = DispCallFunc(object, static_cast<ULONG_PTR>(function_.oVft), CC_STDCALL,
-                                      VT_I4, static_cast<UINT>(types.size()), types.data(),
-                                      values.data(), &answer);
+  const HRESULT called =
+      DispCallFunc(object, static_cast<ULONG_PTR>(function_.oVft), CC_STDCALL, VT_I4,
+                   static_cast<UINT>(types.size()), types.data(), values.data(), &answer);
   return FAILED(called) ? called : HRESULT{V_I4(&answer)};
 }
 
@@ -243,14 +244,13 @@ HRESULT DispatchArguments::StoreBack(Slot& slot) {
   const HRESULT result = ChangeType(converted, slot.local.get(), locale_, type);
   if (FAILED(result)) return result;
   VARIANT value = converted.Detach();
-  const std::size_t size = type == VT_BSTR                                       ? sizeof(BSTR)
-                           : type == VT_UI1 || type == VT_I1                     ? 1
-                           : type == VT_I2 || type == VT_UI2 || type == VT_BOOL  ? 2
-                           : type == VT_I4 || type == VT_UI4 || type == VT_INT ||
-                                   type == VT_UINT || type == VT_R4              ? 4
-                           : type == VT_I8 || type == VT_UI8 || type == VT_R8 ||
-                                   type == VT_CY || type == VT_DATE              ? 8
-                                                                                 : 0;
+  const std::size_t size =
+      type == VT_BSTR                                      ? sizeof(BSTR)
+      : type == VT_UI1 || type == VT_I1                    ? 1
+      : type == VT_I2 || type == VT_UI2 || type == VT_BOOL ? 2
+      : type == VT_I4 || type == VT_UI4 || type == VT_INT || type == VT_UINT || type == VT_R4 ? 4
+      : type == VT_I8 || type == VT_UI8 || type == VT_R8 || type == VT_CY || type == VT_DATE  ? 8
+                                                                                              : 0;
   if (type == VT_BSTR) SysFreeString(*V_BSTRREF(slot.given));
   std::copy_n(static_cast<const char*>(ValueOf(value)), size,
               static_cast<char*>(V_BYREF(slot.given)));

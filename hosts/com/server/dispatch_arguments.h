@@ -1,5 +1,5 @@
-// The arguments of one late-bound call, on their way from the caller's variants to the parameters of a
-// function and back.
+// The arguments of one late-bound call, on their way from the caller's variants to the parameters
+// of a function and back.
 #pragma once
 
 #include <vector>
@@ -19,7 +19,8 @@ class DispatchArguments {
  public:
   DispatchArguments(ITypeInfo& info, const FUNCDESC& function, LCID locale);
 
-  // Finds and converts every argument; the number of a bad one goes to `bad_argument` (may be null).
+  // Finds and converts every argument; the number of a bad one goes to `bad_argument` (may be
+  // null).
   HRESULT Take(const DISPPARAMS& given, UINT* bad_argument);
 
   // Calls the function of the interface that `object` points to.

@@ -28,7 +28,8 @@ class DispatchType {
   // IDispatch::Invoke on `object`, a pointer to the interface. Arguments:
   // - positional or named; references to variants are followed to any depth
   // - by value: converted to the parameter's type
-  // - by reference: a reference of exactly the type goes straight through; anything else is converted
+  // - by reference: a reference of exactly the type goes straight through; anything else is
+  // converted
   //   into a local, and a caller's variable receives the local's value after a success
   // - left out, or a missing value: the default of the type library, for optional ones
   HRESULT Invoke(void* object, DISPID id, LCID locale, WORD kind, DISPPARAMS* parameters,

@@ -26,8 +26,8 @@ void LockModule(bool lock);
 HMODULE ThisModule();
 std::wstring ModulePath();
 
-// A type library embedded in this module as resource `number`, from 1 on; none when there is no such
-// resource.
+// A type library embedded in this module as resource `number`, from 1 on; none when there is no
+// such resource.
 ComPtr<ITypeLib> EmbeddedTypeLibrary(int number);
 
 // The description of an interface or class in one of the embedded type libraries. Raises when none

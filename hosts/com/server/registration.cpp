@@ -23,8 +23,8 @@ void SetText(const std::wstring& key, const wchar_t* name, const std::wstring& t
 std::wstring DefaultText(const std::wstring& key) {
   wchar_t text[64] = {};
   DWORD bytes = sizeof(text);
-  const LSTATUS status = RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ,
-                                      nullptr, text, &bytes);
+  const LSTATUS status =
+      RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text, &bytes);
   return status == ERROR_SUCCESS ? std::wstring(text) : std::wstring();
 }
 

@@ -19,8 +19,8 @@ struct RegisteredClass {
 // written is taken out again when a step fails.
 HRESULT RegisterModule(const std::vector<RegisteredClass>& classes);
 
-// Takes out everything that RegisterModule wrote; a part that is not there is no failure. A ProgID that
-// meanwhile belongs to another class stays.
+// Takes out everything that RegisterModule wrote; a part that is not there is no failure. A ProgID
+// that meanwhile belongs to another class stays.
 HRESULT UnregisterModule(const std::vector<RegisteredClass>& classes);
 
 }  // namespace tof::com
