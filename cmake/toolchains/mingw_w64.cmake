@@ -1,6 +1,7 @@
 # A Windows build on Linux with mingw-w64. The two toolchain files beside this one say which machine:
 # TOF_MINGW_TRIPLE is set when this file is read.
 set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_C_COMPILER ${TOF_MINGW_TRIPLE}-gcc-posix)  # of libraries built from source
 set(CMAKE_CXX_COMPILER ${TOF_MINGW_TRIPLE}-g++-posix)
 set(CMAKE_RC_COMPILER ${TOF_MINGW_TRIPLE}-windres)
 

@@ -50,10 +50,15 @@ std::wstring ModulePath() {
 }
 
 ComPtr<ITypeLib> EmbeddedTypeLibrary(int number) {
-  const std::wstring name = ModulePath() + L"\\" + std::to_wstring(number);
   ComPtr<ITypeLib> library;
-  if (FAILED(LoadTypeLibEx(name.c_str(), REGKIND_NONE, library.Out()))) return {};
+  if (FAILED(LoadTypeLibEx(EmbeddedTypeLibraryName(number).c_str(), REGKIND_NONE, library.Out()))) {
+    return {};
+  }
   return library;
+}
+
+std::wstring EmbeddedTypeLibraryName(int number) {
+  return ModulePath() + L"\\" + std::to_wstring(number);
 }
 
 ComPtr<ITypeInfo> EmbeddedTypeInfo(REFGUID guid) {

@@ -30,6 +30,9 @@ std::wstring ModulePath();
 // such resource.
 ComPtr<ITypeLib> EmbeddedTypeLibrary(int number);
 
+// What it is loaded and registered by: the module's path, a backslash, the number.
+std::wstring EmbeddedTypeLibraryName(int number);
+
 // The description of an interface or class in one of the embedded type libraries. Raises when none
 // has it.
 ComPtr<ITypeInfo> EmbeddedTypeInfo(REFGUID guid);

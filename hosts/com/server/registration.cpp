@@ -64,11 +64,23 @@ HRESULT RemoveClass(const RegisteredClass& described) {
 }
 
 void RegisterTypeLibraries() {
-  for (int number = 1; EmbeddedTypeLibrary(number); ++number) {
-    const std::wstring name = ModulePath() + L"\\" + std::to_wstring(number);
-    ComPtr<ITypeLib> library;
-    Check(LoadTypeLibEx(name.c_str(), REGKIND_REGISTER, library.Out()));
+  for (int number = 1;; ++number) {
+    const ComPtr<ITypeLib> library = EmbeddedTypeLibrary(number);
+    if (!library) return;
+    std::wstring name = EmbeddedTypeLibraryName(number);
+    Check(RegisterTypeLib(library.get(), name.data(), nullptr));
   }
+}
+
+// Nothing to do for one that is not registered.
+HRESULT Unregister(const TLIBATTR& library) {
+  Bstr path;
+  if (FAILED(QueryPathOfRegTypeLib(library.guid, library.wMajorVerNum, library.wMinorVerNum,
+                                   library.lcid, path.Out()))) {
+    return S_OK;
+  }
+  return UnRegisterTypeLib(library.guid, library.wMajorVerNum, library.wMinorVerNum, library.lcid,
+                           library.syskind);
 }
 
 HRESULT UnregisterTypeLibraries() {
@@ -78,11 +90,9 @@ HRESULT UnregisterTypeLibraries() {
     if (!library) return result;
     TLIBATTR* attributes = nullptr;
     if (FAILED(library->GetLibAttr(&attributes))) continue;
-    const HRESULT removed =
-        UnRegisterTypeLib(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum,
-                          attributes->lcid, attributes->syskind);
+    const HRESULT removed = Unregister(*attributes);
     library->ReleaseTLibAttr(attributes);
-    if (FAILED(removed) && removed != TYPE_E_REGISTRYACCESS) result = removed;
+    if (FAILED(removed)) result = removed;
   }
 }
 
