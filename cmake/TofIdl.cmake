@@ -46,6 +46,9 @@ function(tof_com_server_dll name)
   target_link_libraries(${name} PRIVATE tof_options ${ARG_LINK} ${ARG_TYPE_LIBRARIES})
   # The names in the .def file are those of the exports; 32-bit stdcall decorates the functions'.
   target_link_options(${name} PRIVATE -Wl,--enable-stdcall-fixup -s)
+  add_custom_command(TARGET ${name} POST_BUILD
+    COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/tools/check_dll" "${CMAKE_OBJDUMP}" "$<TARGET_FILE:${name}>"
+    VERBATIM)
   set(resource_scripts ${ARG_SOURCES})
   list(FILTER resource_scripts INCLUDE REGEX "\\.rc$")
   foreach(library IN LISTS ARG_TYPE_LIBRARIES)

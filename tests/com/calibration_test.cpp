@@ -113,9 +113,13 @@ TEST_F(CalibrationThroughCom, GivesBackTheAveragedTimesAndTheWindowThatWasUsed) 
 
 TEST_F(CalibrationThroughCom, WritesItsFilesWithTheScriptingFileSystem) {
   RegisterInstrument();
-  const auto calibrator = Created();
-  ComPtr<IMassCalCoefficients> coefficients;
-  ASSERT_EQ(Calibrate(*calibrator.get(), coefficients), S_OK);
+  {
+    const auto calibrator = Created();
+    ComPtr<IMassCalCoefficients> coefficients;
+    ASSERT_EQ(Calibrate(*calibrator.get(), coefficients), S_OK);
+  }
+  // The calibration log stays open for the next object of the thread, until the module may go.
+  EXPECT_EQ(dll.CanUnloadNow(), S_OK);
   const std::string log = LogFile("CalibrationLog_");
   EXPECT_THAT(log, HasSubstr("GainChannel[1]\r\n"));
   EXPECT_THAT(log,

@@ -23,7 +23,7 @@ class CheckTestsBuilt(unittest.TestCase):
         build.mkdir()
         entries = [{"directory": str(build), "file": file, "command": ""} for file in built]
         (build / "compile_commands.json").write_text(json.dumps(entries), "utf-8")
-        answer = subprocess.run([CHECKER, build, self.root], capture_output=True, text=True, check=False)
+        answer = subprocess.run([CHECKER, "--root", self.root, build], capture_output=True, text=True, check=False)
         self.assertEqual(answer.stderr, "")
         return answer.returncode, answer.stdout
 
@@ -36,13 +36,23 @@ class CheckTestsBuilt(unittest.TestCase):
         self.assertEqual(code, 1)
         self.assertTrue(said.startswith("tests/deep/peak_test.cpp: "), said)
 
+    def test_accepts_a_file_that_only_the_second_build_has(self):
+        self.check("../bench/fit_bench.cpp")
+        second = self.root / "windows"
+        second.mkdir()
+        entry = {"directory": str(second), "file": "../tests/deep/peak_test.cpp", "command": ""}
+        (second / "compile_commands.json").write_text(json.dumps([entry]), "utf-8")
+        answer = subprocess.run([CHECKER, "--root", self.root, self.root / "build", second],
+                                capture_output=True, text=True, check=False)
+        self.assertEqual((answer.returncode, answer.stdout, answer.stderr), (0, "", ""))
+
     def test_names_a_benchmark_that_is_in_no_target(self):
         code, said = self.check("../tests/deep/peak_test.cpp")
         self.assertEqual(code, 1)
         self.assertTrue(said.startswith("bench/fit_bench.cpp: "), said)
 
     def test_fails_without_a_compile_database(self):
-        answer = subprocess.run([CHECKER, self.root / "build", self.root], capture_output=True, text=True,
+        answer = subprocess.run([CHECKER, "--root", self.root, self.root / "build"], capture_output=True, text=True,
                                 check=False)
         self.assertEqual(answer.returncode, 1)
         self.assertIn("compile_commands.json: not there", answer.stderr)
