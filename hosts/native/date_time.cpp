@@ -64,7 +64,11 @@ DateTime DateTimeOf(CalendarSeconds moment) {
 DateTime LocalTimeNow() {
   const std::time_t now = std::time(nullptr);
   std::tm fields{};
+#ifdef _WIN32
+  localtime_s(&fields, &now);
+#else
   localtime_r(&now, &fields);
+#endif
   DateTime result;
   result.year = fields.tm_year + 1900;
   result.month = fields.tm_mon + 1;

@@ -23,7 +23,9 @@ AutomationError ErrorOfErrno(int error_code) {
     case ETXTBSY:
       return Standard(RunTimeError::kPermissionDenied);
     case ENOSPC:
+#ifdef EDQUOT  // Windows has no disk quotas of its own number
     case EDQUOT:
+#endif
     case EFBIG:
       return {61, "Disk full"};
     case EMFILE:
