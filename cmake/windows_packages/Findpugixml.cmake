@@ -1,0 +1,11 @@
+# Debian has this library built for Linux alone; its sources, Debian's too, are built here.
+find_path(TOF_PUGIXML_SOURCE pugixml.cpp PATHS /usr/src/pugixml/src NO_CMAKE_FIND_ROOT_PATH)
+if(NOT TOF_PUGIXML_SOURCE)
+  message(FATAL_ERROR "/usr/src/pugixml is not there; tools/setup windows fetches it")
+endif()
+if(NOT TARGET pugixml::pugixml)
+  add_library(pugixml_for_windows STATIC "${TOF_PUGIXML_SOURCE}/pugixml.cpp")
+  target_include_directories(pugixml_for_windows SYSTEM INTERFACE "${TOF_PUGIXML_SOURCE}")
+  add_library(pugixml::pugixml ALIAS pugixml_for_windows)
+endif()
+set(pugixml_FOUND TRUE)
