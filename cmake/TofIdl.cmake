@@ -36,19 +36,30 @@ function(tof_idl name)
   set_target_properties(${name} PROPERTIES TOF_TYPE_LIBRARY "${folder}/${stem}.tlb")
 endfunction()
 
-# tof_com_server_dll(name SOURCES ... TYPE_LIBRARIES idl_target ... LINK target ...)
-# A DLL without "lib" before its name; its resource script names the type libraries, which windres
-# finds by their file names.
-function(tof_com_server_dll name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;TYPE_LIBRARIES;LINK" ${ARGN})
+# tof_windows_dll(name SOURCES ... EXPORTS function ... LINK target ...)
+# A DLL without "lib" before its name, which exports these functions and needs DLLs of Windows only.
+function(tof_windows_dll name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;EXPORTS;LINK" ${ARGN})
   add_library(${name} SHARED ${ARG_SOURCES})
   set_target_properties(${name} PROPERTIES PREFIX "")
-  target_link_libraries(${name} PRIVATE tof_options ${ARG_LINK} ${ARG_TYPE_LIBRARIES})
+  target_link_libraries(${name} PRIVATE tof_options ${ARG_LINK})
   # The names in the .def file are those of the exports; 32-bit stdcall decorates the functions'.
   target_link_options(${name} PRIVATE -Wl,--enable-stdcall-fixup -s)
   add_custom_command(TARGET ${name} POST_BUILD
-    COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/tools/check_dll" "${CMAKE_OBJDUMP}" "$<TARGET_FILE:${name}>"
+    COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/tools/check_dll"
+      "${CMAKE_OBJDUMP}" "$<TARGET_FILE:${name}>" ${ARG_EXPORTS}
     VERBATIM)
+endfunction()
+
+# tof_com_server_dll(name SOURCES ... TYPE_LIBRARIES idl_target ... LINK target ...)
+# The DLL of a COM server; its resource script names the type libraries, which windres finds by their
+# file names.
+function(tof_com_server_dll name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;TYPE_LIBRARIES;LINK" ${ARGN})
+  tof_windows_dll(${name}
+    SOURCES ${ARG_SOURCES}
+    EXPORTS DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregisterServer
+    LINK ${ARG_LINK} ${ARG_TYPE_LIBRARIES})
   set(resource_scripts ${ARG_SOURCES})
   list(FILTER resource_scripts INCLUDE REGEX "\\.rc$")
   foreach(library IN LISTS ARG_TYPE_LIBRARIES)

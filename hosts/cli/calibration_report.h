@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "component/calibrator/mass_time_library.h"
+#include "instruments/standin/truth.h"
 
 namespace tof::cli {
 
@@ -24,19 +25,8 @@ struct MassRow {
   std::optional<BandSide> outside_band = {};
 };
 
-// True errors, which only a virtual instrument knows; `common` is the mean over the masses.
-struct TruthFigures {
-  double rms_ppm = 0.0;
-  double common_ppm = 0.0;
-  double mass_dependent_ppm = 0.0;
-  double max_ppm = 0.0;
-};
-struct Truth {
-  TruthFigures at_calibration;
-  TruthFigures in_band;
-  TruthFigures weak;
-  double limit_ppm = 0.0;  // what the ion statistics allow
-};
+using standin::Truth;
+using standin::TruthFigures;
 
 // How often the instrument was asked.
 struct Counts {

@@ -1,12 +1,11 @@
 // What the conformance suite said of an instrument.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <vector>
 
-#include "instruments/conformance/suite.h"
+#include "instruments/conformance/table.h"
 
 namespace tof::cli {
 
@@ -16,13 +15,13 @@ struct ConformanceReport {
 };
 
 inline std::size_t NumberOf(conformance::Outcome outcome, const ConformanceReport& report) {
-  const auto n = std::count_if(report.results.begin(), report.results.end(),
-                               [outcome](const auto& result) { return result.outcome == outcome; });
-  return static_cast<std::size_t>(n);
+  return conformance::NumberOf(outcome, report.results);
 }
 
 // A line per check, with the details of those that did not pass, and the sums.
-std::string TableOf(const ConformanceReport& report);
+inline std::string TableOf(const ConformanceReport& report) {
+  return conformance::TableOf(report.instrument, report.results);
+}
 
 // The JSON document of the same.
 std::string JsonOf(const ConformanceReport& report);

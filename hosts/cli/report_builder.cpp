@@ -6,7 +6,6 @@
 
 #include "component/automation/convert.h"
 #include "hosts/cli/coefficient_names.h"
-#include "hosts/cli/truth.h"
 #include "instruments/masstime/fit.h"
 #include "instruments/standin/instrument_access.h"
 
@@ -81,6 +80,12 @@ void AddErrors(const masstime::MassTimeModel& model, CalibrationReport& report) 
   }
 }
 
+std::vector<standin::MeasuredMass> CalibrantsOf(const std::vector<MassRow>& rows) {
+  std::vector<standin::MeasuredMass> calibrants;
+  for (const MassRow& row : rows) calibrants.push_back({row.expected, row.time_ns, row.abundance});
+  return calibrants;
+}
+
 // The same fit as the instrument's, for its leave-one-out figure. None when there are too few
 // masses to leave one out.
 std::optional<double> LeaveOneOutPpm(const std::vector<MassRow>& rows,
@@ -142,8 +147,8 @@ CalibrationReport BuildReport(const RunOutcome& outcome,
     report.terms = NamesOfFitted(terms);
     AddErrors({state.in_force.coefficients, WindowOf(state)}, report);
     report.loo_ppm = LeaveOneOutPpm(report.masses, WindowOf(state), terms);
-    report.truth =
-        TruthOf(instrument, report.masses, outcome.spectra, SpectraCollected(outcome, report.aic));
+    report.truth = standin::TruthOf(instrument, CalibrantsOf(report.masses), outcome.spectra,
+                                    SpectraCollected(outcome, report.aic));
   }
   report.counts = CountsOf(instrument, host);
   report.instrument_seconds = state.clock->Seconds();

@@ -3,12 +3,6 @@
 #include "component/automation/convert.h"
 
 namespace tof::description {
-namespace {
-
-constexpr std::int32_t kCalibrantListSetpoint = 117;
-
-}  // namespace
-
 std::int32_t OwnSetpointId(const InstrumentDescription& description, std::int32_t id) {
   const auto alias = description.setpoint_aliases.find(id);
   return alias == description.setpoint_aliases.end() ? id : alias->second;

@@ -79,6 +79,9 @@ struct InstrumentDescription {
   std::variant<virtual_instrument::VirtualSourceParameters, recorded::RecordedFiles> source;
 };
 
+// The setpoint whose value selects the calibrant list.
+inline constexpr std::int32_t kCalibrantListSetpoint = 117;
+
 // The id under which a setpoint is kept: what `id` is an alias of, else `id` itself.
 std::int32_t OwnSetpointId(const InstrumentDescription& description, std::int32_t id);
 

@@ -1,9 +1,12 @@
 #include "instruments/description/overrides.h"
 
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 
+#include "component/automation/convert.h"
 #include "instruments/description/known_keys.h"
 #include "instruments/description/setpoint_value.h"
 #include "instruments/spectra/input_error.h"
@@ -66,6 +69,21 @@ void OverrideSetpoint(InstrumentDescription& description, std::string_view text)
   const std::optional<Variant> value = ParseSetpointValue(setpoint->second.type, value_text);
   if (!value) Fail(text, Quoted(value_text), ExpectedValue(setpoint->second.type));
   setpoint->second.value = *value;
+}
+
+void OverrideCalibrants(InstrumentDescription& description, std::vector<double> masses) {
+  const spectra::InputPlace place{"override of the calibrants"};
+  if (masses.empty()) throw InputError(place, "no masses", "one or more");
+  for (const double mass : masses) {
+    if (std::isfinite(mass) && mass > 0.0) continue;
+    throw InputError(place, "the mass " + std::to_string(mass), "finite, positive masses");
+  }
+  const auto selector = description.setpoints.find(kCalibrantListSetpoint);
+  if (selector == description.setpoints.end()) {
+    throw InputError(place, "no setpoint 117 in " + Quoted(description.name),
+                     "one that selects the calibrant list");
+  }
+  description.calibrants[ToInt32(selector->second.value)] = std::move(masses);
 }
 
 }  // namespace tof::description

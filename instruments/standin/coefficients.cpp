@@ -7,6 +7,9 @@
 namespace tof::standin {
 namespace {
 
+// Far beyond what a calibrator takes for an A of the instrument.
+constexpr double kSpoiltA = 1.1;
+
 class GatedCoefficients : public MassCalCoefficients {
  public:
   GatedCoefficients(std::shared_ptr<InstrumentState> state, const Calibration& calibration)
@@ -34,6 +37,9 @@ class GatedCoefficients : public MassCalCoefficients {
                  const BoundedArray<double>& times_ns) override {
     state_->gate.Enter(Operation::kMassCalCoefficientsCalibrate);
     inner_.Calibrate(masses, times_ns);
+    if (state_->bad_fits <= 0) return;
+    --state_->bad_fits;
+    Spoil();
   }
   CalInfo GetCalInfo() override {
     state_->gate.Enter(Operation::kMassCalCoefficientsGetCalInfo);
@@ -45,6 +51,12 @@ class GatedCoefficients : public MassCalCoefficients {
   }
 
  private:
+  void Spoil() {
+    masstime::MassTimeModel model = inner_.model();
+    model.coefficients[masstime::kA] *= kSpoiltA;
+    inner_ = masstime::MassTimeCoefficients(model, inner_.GetBinWidth(), inner_.GetCalInfo());
+  }
+
   std::shared_ptr<InstrumentState> state_;
   masstime::MassTimeCoefficients inner_;
 };

@@ -104,6 +104,14 @@ std::shared_ptr<MassCalCoefficients> StandInInstrument::CreateMassCalCoefficient
   return MakeCoefficients(state_, {});
 }
 
+void StandInInstrument::PlanAbort(std::optional<double> at_sec) {
+  state_->abort_after_sec = at_sec.value_or(std::numeric_limits<double>::infinity());
+}
+
+void StandInInstrument::FailCall(Operation operation, std::int64_t nth) {
+  state_->gate.Plan({operation, state_->gate.Calls(operation) + nth});
+}
+
 const virtual_instrument::VirtualSource* StandInInstrument::Virtual() const {
   return dynamic_cast<const virtual_instrument::VirtualSource*>(state_->source.get());
 }

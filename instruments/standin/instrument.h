@@ -46,6 +46,15 @@ class StandInInstrument : public InstrumentFactory {
   // The user asks for an abort. May be called from a signal handler.
   void RequestAbort() noexcept { state_->abort_requested = true; }
   void WithdrawAbort() noexcept { state_->abort_requested = false; }
+  // The user asks for it at that time of the instrument's clock; none: no longer.
+  void PlanAbort(std::optional<double> at_sec);
+
+  // The next `count` fits of coefficients come out wrong: A is 10 per cent too high.
+  void MakeFitsBad(std::int64_t count) { state_->bad_fits = count; }
+
+  // The `nth` call of an operation from now on fails, from 1.
+  void FailCall(Operation operation, std::int64_t nth);
+  void WithdrawFailures() { state_->gate.WithdrawPlans(); }
 
   Counters Counted() const { return state_->counters; }
   const InstrumentState& State() const { return *state_; }

@@ -42,9 +42,13 @@ struct InstrumentState {
   HostServices& host;
   std::shared_ptr<spectra::InstrumentClock> clock;
   std::shared_ptr<spectra::SpectrumSource> source;
-  double abort_after_sec = std::numeric_limits<double>::infinity();  // on the instrument's clock
 
-  // Written by: every operation, first thing.  Read by: the host, for its report.
+  // When the user asks for an abort, on the instrument's clock.
+  // Written by: the host.  Read by: AcqController.IsAbortRequested.
+  double abort_after_sec = std::numeric_limits<double>::infinity();
+
+  // Written by: every operation, first thing; the host, for planned failures.  Read by: the host,
+  // for its report.
   OperationGate gate;
 
   // Written by: the accesses (instrument_access.h).  Read by: the host, for its report.
@@ -60,6 +64,9 @@ struct InstrumentState {
 
   // Written by: AcqController.SetLikelyAAndT0.  Read by: as the coefficients in force.
   std::optional<StartingValues> starting = {};
+
+  // How many of the next fits come out bad.  Written by: the host; the fits.
+  std::int64_t bad_fits = 0;
 
   // Written by: the spectrum display.  Read by: the host.
   bool display_is_live = true;

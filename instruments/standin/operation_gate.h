@@ -25,6 +25,10 @@ class OperationGate {
   // planned for this call; the operation has then done nothing.
   void Enter(Operation operation);
 
+  // One more failure, of a call that is still to come.
+  void Plan(const Fault& fault) { faults_.push_back(fault); }
+  void WithdrawPlans() { faults_.clear(); }
+
   // How often an operation was called, with the calls that failed.
   std::int64_t Calls(Operation operation) const {
     return calls_[static_cast<std::size_t>(operation)];

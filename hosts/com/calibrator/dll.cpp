@@ -17,9 +17,8 @@ namespace {
 
 std::vector<RegisteredClass> Classes() {
   return {{.class_id = __uuidof(::TofCalibrator),
-           .prog_id = L"vorntofcaliblib.TofCalibrator",
-           .version_prog_id = L"vorntofcaliblib.TofCalibrator.1",
-           .description = L"TOF mass-axis calibrator",
+           .prog_id = "vorntofcaliblib.TofCalibrator",
+           .description = "TOF mass-axis calibrator",
            .library_id = LIBID_vorntofcaliblib}};
 }
 

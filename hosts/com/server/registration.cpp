@@ -34,28 +34,36 @@ HRESULT DeleteTree(const std::wstring& key) {
   return HRESULT_FROM_WIN32(static_cast<DWORD>(status));
 }
 
+std::wstring ProgId(const RegisteredClass& described) {
+  return Wide(described.prog_id);
+}
+std::wstring VersionProgId(const RegisteredClass& described) {
+  return ProgId(described) + L".1";
+}
+
 void WriteClass(const RegisteredClass& described) {
   const std::wstring class_id = GuidText(described.class_id);
+  const std::wstring description = Wide(described.description);
   const std::wstring key = L"CLSID\\" + class_id;
-  SetText(key, nullptr, described.description);
+  SetText(key, nullptr, description);
   SetText(key + L"\\InprocServer32", nullptr, ModulePath());
   SetText(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
-  SetText(key + L"\\ProgID", nullptr, described.version_prog_id);
-  SetText(key + L"\\VersionIndependentProgID", nullptr, described.prog_id);
+  SetText(key + L"\\ProgID", nullptr, VersionProgId(described));
+  SetText(key + L"\\VersionIndependentProgID", nullptr, ProgId(described));
   SetText(key + L"\\TypeLib", nullptr, GuidText(described.library_id));
   SetText(key + L"\\Programmable", nullptr, L"");
-  for (const wchar_t* prog_id : {described.prog_id, described.version_prog_id}) {
-    SetText(prog_id, nullptr, described.description);
-    SetText(std::wstring(prog_id) + L"\\CLSID", nullptr, class_id);
+  for (const std::wstring& prog_id : {ProgId(described), VersionProgId(described)}) {
+    SetText(prog_id, nullptr, description);
+    SetText(prog_id + L"\\CLSID", nullptr, class_id);
   }
-  SetText(std::wstring(described.prog_id) + L"\\CurVer", nullptr, described.version_prog_id);
+  SetText(ProgId(described) + L"\\CurVer", nullptr, VersionProgId(described));
 }
 
 HRESULT RemoveClass(const RegisteredClass& described) {
   const std::wstring class_id = GuidText(described.class_id);
   HRESULT result = DeleteTree(L"CLSID\\" + class_id);
-  for (const wchar_t* prog_id : {described.prog_id, described.version_prog_id}) {
-    const std::wstring owner = DefaultText(std::wstring(prog_id) + L"\\CLSID");
+  for (const std::wstring& prog_id : {ProgId(described), VersionProgId(described)}) {
+    const std::wstring owner = DefaultText(prog_id + L"\\CLSID");
     if (!owner.empty() && owner != class_id) continue;
     const HRESULT deleted = DeleteTree(prog_id);
     if (FAILED(deleted)) result = deleted;

@@ -9,9 +9,8 @@ namespace tof::com {
 
 struct RegisteredClass {
   CLSID class_id;
-  const wchar_t* prog_id;          // of any version, e.g. "vorntofcaliblib.TofCalibrator"
-  const wchar_t* version_prog_id;  // of this version: the same with ".1"
-  const wchar_t* description;
+  const char* prog_id;  // of any version, e.g. "vorntofcaliblib.TofCalibrator"; this one has ".1"
+  const char* description;
   GUID library_id;
 };
 

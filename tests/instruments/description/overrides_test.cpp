@@ -85,5 +85,22 @@ TEST_F(Overrides, RefuseWrongSetpoints) {
             "override \"149=1.5\": found \"1.5\", expected a whole number of 16 bits");
 }
 
+TEST_F(Overrides, ReplaceTheCalibrantsThatTheSetpointSelects) {
+  OverrideCalibrants(description_, {100.5, 200.5});
+  EXPECT_EQ(CalibrantMasses(description_), (std::vector<double>{100.5, 200.5}));
+}
+
+TEST_F(Overrides, RefuseCalibrantsThatAreNoMasses) {
+  const auto before = CalibrantMasses(description_);
+  EXPECT_EQ(InputErrorOf([&] { OverrideCalibrants(description_, {}); }),
+            "override of the calibrants: found no masses, expected one or more");
+  EXPECT_EQ(InputErrorOf([&] { OverrideCalibrants(description_, {100.0, -1.0}); }),
+            "override of the calibrants: found the mass -1.000000, expected finite, positive masses");
+  EXPECT_EQ(CalibrantMasses(description_), before);
+  description_.setpoints.erase(kCalibrantListSetpoint);
+  EXPECT_NE(InputErrorOf([&] { OverrideCalibrants(description_, {100.0}); }).find("setpoint 117"),
+            std::string::npos);
+}
+
 }  // namespace
 }  // namespace tof::description

@@ -24,6 +24,40 @@ TEST(StandInAcqController, IsAbortedWhenItsTimeHasCome) {
   EXPECT_EQ(controller->IsAbortRequested(), -1);
 }
 
+TEST(StandInAcqController, IsAbortedAtATimeThatIsPlannedLaterUntilThatIsTakenBack) {
+  TestInstrument test;
+  const auto controller = test.instrument.CreateAcqController();
+  test.clock->Advance(2.0);
+  test.instrument.PlanAbort(1.5);
+  EXPECT_EQ(controller->IsAbortRequested(), -1);
+  test.instrument.PlanAbort({});
+  EXPECT_EQ(controller->IsAbortRequested(), 0);
+}
+
+TEST(StandInAcqController, FailsTheCallThatIsPlannedFromNowOn) {
+  TestInstrument test;
+  const auto controller = test.instrument.CreateAcqController();
+  controller->GetCurrentA();
+  test.instrument.FailCall(Operation::kAcqControllerGetCurrentA, 2);
+  controller->GetCurrentA();
+  EXPECT_EQ(ErrorNumberOf([&] { controller->GetCurrentA(); }), 440);
+  test.instrument.FailCall(Operation::kAcqControllerGetCurrentA, 1);
+  test.instrument.WithdrawFailures();
+  EXPECT_EQ(ErrorNumberOf([&] { controller->GetCurrentA(); }), 0);
+}
+
+TEST(StandInAcqController, GivesObjectsWhoseNextFitsAreBadAsPlanned) {
+  TestInstrument test;
+  test.instrument.MakeFitsBad(1);
+  const auto coefficients = test.instrument.CreateAcqController()->GetCurrentMassCalObject();
+  const auto fitted_a = [&] {
+    coefficients->Calibrate({100.0, 400.0, 900.0}, {10e3, 20e3, 30e3});
+    return coefficients->GetCoefficientRecord()[0];
+  };
+  EXPECT_NEAR(fitted_a(), 0.0011, 1e-12);
+  EXPECT_NEAR(fitted_a(), 0.001, 1e-12);
+}
+
 TEST(StandInAcqController, SeedsTheCurrentObjectWithTheStartingValues) {
   auto description = description::BuiltInDescription();
   description.factory_coefficients = {0.0006, 310.0, 0.25};

@@ -1,12 +1,11 @@
+#include "instruments/conformance/table.h"
+
 #include <fmt/format.h>
 
-#include "hosts/cli/conformance_report.h"
+#include <algorithm>
 
-namespace tof::cli {
+namespace tof::conformance {
 namespace {
-
-using conformance::CheckResult;
-using conformance::Outcome;
 
 std::string LinesOf(const CheckResult& result) {
   switch (result.outcome) {
@@ -23,17 +22,23 @@ std::string LinesOf(const CheckResult& result) {
 
 }  // namespace
 
-std::string TableOf(const ConformanceReport& report) {
-  std::string text = report.instrument + "\n";
+std::size_t NumberOf(Outcome outcome, const std::vector<CheckResult>& results) {
+  const auto n = std::count_if(results.begin(), results.end(),
+                               [outcome](const auto& result) { return result.outcome == outcome; });
+  return static_cast<std::size_t>(n);
+}
+
+std::string TableOf(const std::string& instrument, const std::vector<CheckResult>& results) {
+  std::string text = instrument + "\n";
   std::string collaborator;
-  for (const CheckResult& result : report.results) {
+  for (const CheckResult& result : results) {
     if (result.collaborator != collaborator) text += "\n";
     collaborator = result.collaborator;
     text += LinesOf(result);
   }
   return text + fmt::format("\n{} passed, {} failed, {} not applicable\n",
-                            NumberOf(Outcome::kPass, report), NumberOf(Outcome::kFail, report),
-                            NumberOf(Outcome::kNotApplicable, report));
+                            NumberOf(Outcome::kPass, results), NumberOf(Outcome::kFail, results),
+                            NumberOf(Outcome::kNotApplicable, results));
 }
 
-}  // namespace tof::cli
+}  // namespace tof::conformance

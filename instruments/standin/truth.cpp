@@ -1,4 +1,4 @@
-#include "hosts/cli/truth.h"
+#include "instruments/standin/truth.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,7 +8,7 @@
 #include "instruments/standin/instrument_access.h"
 #include "instruments/virtual/truth.h"
 
-namespace tof::cli {
+namespace tof::standin {
 namespace {
 
 namespace vi = virtual_instrument;
@@ -18,10 +18,9 @@ constexpr std::size_t kCheckMasses = 200;
 // How an abundance becomes a rate of ions: through the detector's gain.
 class IonScale {
  public:
-  IonScale(const standin::InstrumentState& state, const vi::Parameters& parameters)
+  IonScale(const InstrumentState& state, const vi::Parameters& parameters)
       : pulses_(parameters.acquisition.pulses_per_spectrum) {
-    const auto channel =
-        ToInt32(standin::SetpointOf(state, vi::kGainChannelSetpoint).value);  // from 1
+    const auto channel = ToInt32(SetpointOf(state, vi::kGainChannelSetpoint).value);  // from 1
     counts_per_ion_ =
         parameters.detector.gain_channels.at(static_cast<std::size_t>(channel - 1)).counts_per_ion;
   }
@@ -40,18 +39,18 @@ class IonScale {
   double counts_per_ion_ = 1.0;
 };
 
-double BandSetting(const standin::InstrumentState& state, const char* key) {
-  return standin::CalibrationSettingOf(state, key) * state.description.acquisition.scale_factor;
+double BandSetting(const InstrumentState& state, const char* key) {
+  return CalibrationSettingOf(state, key) * state.description.acquisition.scale_factor;
 }
 
 TruthFigures FiguresOf(const vi::ErrorFigures& errors) {
   return {errors.rms_ppm, errors.common_ppm, errors.mass_dependent_ppm, errors.max_ppm};
 }
 
-std::vector<vi::CalibrantStatistics> StatisticsOf(const std::vector<MassRow>& rows,
+std::vector<vi::CalibrantStatistics> StatisticsOf(const std::vector<MeasuredMass>& rows,
                                                   const IonScale& scale, std::int64_t spectra) {
   std::vector<vi::CalibrantStatistics> statistics;
-  for (const MassRow& row : rows) {
+  for (const MeasuredMass& row : rows) {
     if (!row.time_ns || row.abundance.value_or(0.0) <= 0.0) continue;
     statistics.push_back(
         {row.expected, *row.time_ns, scale.Ions(*row.abundance) * static_cast<double>(spectra)});
@@ -59,10 +58,10 @@ std::vector<vi::CalibrantStatistics> StatisticsOf(const std::vector<MassRow>& ro
   return statistics;
 }
 
-double MeanLambda(const std::vector<MassRow>& rows, const IonScale& scale) {
+double MeanLambda(const std::vector<MeasuredMass>& rows, const IonScale& scale) {
   double sum = 0.0;
   double count = 0.0;
-  for (const MassRow& row : rows) {
+  for (const MeasuredMass& row : rows) {
     if (!row.abundance) continue;
     sum += scale.Lambda(*row.abundance);
     count += 1.0;
@@ -72,12 +71,12 @@ double MeanLambda(const std::vector<MassRow>& rows, const IonScale& scale) {
 
 }  // namespace
 
-std::optional<Truth> TruthOf(const standin::StandInInstrument& instrument,
-                             const std::vector<MassRow>& rows, std::int64_t spectra,
+std::optional<Truth> TruthOf(const StandInInstrument& instrument,
+                             const std::vector<MeasuredMass>& rows, std::int64_t spectra,
                              std::int64_t collected) {
   const vi::VirtualSource* const source = instrument.Virtual();
   if (source == nullptr) return std::nullopt;
-  const standin::InstrumentState& state = instrument.State();
+  const InstrumentState& state = instrument.State();
   const vi::Parameters& parameters = source->parameters();
   const IonScale scale(state, parameters);
   const std::vector<vi::CalibrantStatistics> calibrants = StatisticsOf(rows, scale, spectra);
@@ -88,7 +87,7 @@ std::optional<Truth> TruthOf(const standin::StandInInstrument& instrument,
                           [](const auto& a, const auto& b) { return a.mass_u < b.mass_u; });
   const std::vector<double> masses =
       vi::CheckMasses(lightest->mass_u, heaviest->mass_u, kCheckMasses);
-  const masstime::MassTimeModel model{state.in_force.coefficients, standin::WindowOf(state)};
+  const masstime::MassTimeModel model{state.in_force.coefficients, WindowOf(state)};
   const auto time_to_mass = [&model](double time_ns) { return TimeToMass(model, time_ns); };
   const double drift_ppm = source->MeanDriftPpm(collected);
   const auto errors_at = [&](double lambda) {
@@ -105,4 +104,4 @@ std::optional<Truth> TruthOf(const standin::StandInInstrument& instrument,
   return truth;
 }
 
-}  // namespace tof::cli
+}  // namespace tof::standin
