@@ -6,13 +6,14 @@ function(tof_library name)
   target_link_libraries(${name} PUBLIC tof_options ${ARG_LINK})
 endfunction()
 
-# tof_test(name SOURCES a_test.cpp ... [LINK target ...])
+# tof_test(name SOURCES a_test.cpp ... [LINK target ...] [PROPERTIES name value ...])
 # One GoogleTest program. Each of its tests is a ctest test of its own, in a process of its own; with
 # TOF_TEST_WHOLE_PROGRAMS the program is one ctest test, as starting an instrumented process costs more
 # than most tests. Tests run side by side: one that writes a file does so in a folder of its own.
+# PROPERTIES are those of each ctest test.
 # Tests find the project's files through TOF_SOURCE_DIR and the shared spectra, where there are any, through TOF_SHARED_DATA.
 function(tof_test name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINK;PROPERTIES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE tof_options ${ARG_LINK} GTest::gmock GTest::gtest_main)
   target_compile_definitions(${name} PRIVATE
@@ -20,10 +21,11 @@ function(tof_test name)
     TOF_SHARED_DATA="${PROJECT_SOURCE_DIR}/../shared/data")
   if(TOF_TEST_WHOLE_PROGRAMS)
     add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES TIMEOUT 1800)
+    set_tests_properties(${name} PROPERTIES TIMEOUT 1800 ${ARG_PROPERTIES})
   else()
     # Rows of a table go by their own names; the value would be shown as its bytes.
-    gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
+    gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 
+      PROPERTIES TIMEOUT 600 ${ARG_PROPERTIES})
   endif()
 endfunction()
 

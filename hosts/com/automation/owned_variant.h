@@ -28,6 +28,7 @@ class OwnedVariant {
   static OwnedVariant Of(double value);
   static OwnedVariant Of(bool value);
   static OwnedVariant Of(std::string_view text);
+  static OwnedVariant Of(const char* text) { return Of(std::string_view(text)); }  // not a boolean
   static OwnedVariant Of(IDispatch* object);  // adds a reference; none is Nothing
   static OwnedVariant ByRef(LONG& value);
   static OwnedVariant ByRef(double& value);
