@@ -229,7 +229,7 @@ void PrintTo(const Refusal& refusal, std::ostream* out) {
 
 const std::vector<Refusal> kRefusals = {
     {"NoSuchFile", "LoadDescription", {"no_such.xml", ""}, "no_such.xml"},
-    {"NoDescription", "LoadDescription", {TOF_SOURCE_DIR "/README.md", ""}, "README.md:1"},
+    {"NoDescription", "LoadDescription", {TOF_SOURCE_DIR "/README.md", ""}, "well-formed document"},
     {"NoDataFolder",
      "LoadDescription",
      {TOF_SOURCE_DIR "/examples/recorded/ladder.xml", "no_such_folder"},
