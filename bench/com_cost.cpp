@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <exception>
+#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <memory>
@@ -35,7 +36,7 @@
 namespace tof::com {
 namespace {
 
-constexpr int kPairs = 15;
+constexpr int kPairs = 7;
 constexpr int kCalls = 100'000;
 constexpr std::int16_t kSpectra = 10;
 const char* const kNoWaits = "Calibration/AICSettlingTime_sec=0";
@@ -51,15 +52,20 @@ double Median(std::vector<double> values) {
   return values[values.size() / 2];
 }
 
-struct NoEvents : StatusEvents {
-  void evtNewStatus(std::int32_t number, const std::string& message) override {
-    throw AutomationError(number, message);
-  }
+struct LastStatus : StatusEvents {
+  void evtNewStatus(std::int32_t, const std::string& message) override { text = message; }
+  std::string text;
 };
+
+// Log files; each way keeps one open, so each has a folder of its own.
+std::filesystem::path LogFolder() {
+  return std::filesystem::temp_directory_path() / "com_cost";
+}
 
 InstrumentChoice BuiltInWithoutWaits() {
   InstrumentChoice choice;
   description::OverrideSetting(choice.description, kNoWaits);
+  choice.description.base_folder = (LogFolder() / "linked").string();
   return choice;
 }
 
@@ -77,15 +83,15 @@ std::int64_t CalibrateNatively(bool suppress_aic) {
   HostedInstrument hosted(BuiltInWithoutWaits());
   hosted.MakeLogFolder();
   WindowsHost host;
-  NoEvents events;
+  LastStatus status;
   const ModuleStateScope module_state;
-  TofCalibrator calibrator(hosted.Instrument(), host, events);
+  TofCalibrator calibrator(hosted.Instrument(), host, status);
   std::int16_t spectra = kSpectra;
   Variant times;
   const auto masses = description::CalibrantMasses(hosted.Instrument().State().description);
   if (calibrator.calibrateTOFMassAxis(spectra, Variant::DoubleArray(masses), times, suppress_aic) ==
       nullptr) {
-    throw AutomationError(1, "the linked calibration failed");
+    throw AutomationError(1, "the linked calibration failed: " + status.text);
   }
   return CallsOf(hosted);
 }
@@ -94,6 +100,8 @@ std::int64_t CalibrateNatively(bool suppress_aic) {
 void CalibrateThroughCom(DispatchObject& control, bool suppress_aic) {
   control.Call("LoadDescription", "", "");
   control.Call("OverrideSetting", kNoWaits);
+  control.PutProperty("BaseFolder",
+                      OwnedVariant::Of((LogFolder() / "through_com").string().c_str()));
   void* object = nullptr;
   Check(CoCreateInstance(__uuidof(::TofCalibrator), nullptr, CLSCTX_INPROC_SERVER,
                          __uuidof(_TofCalibrator), &object));
@@ -186,6 +194,7 @@ int main() {
     std::cerr << "com_cost: " << error.what() << '\n';
     code = 1;
   }
-  CoUninitialize();
+  CoUninitialize();  // which closes the log files
+  std::filesystem::remove_all(tof::com::LogFolder());
   return code;
 }

@@ -64,7 +64,8 @@ double VirtualSource::BinWidthNs() const {
 }
 
 double VirtualSource::MeanDriftPpm(std::int64_t spectra) const {
-  const std::int64_t count = std::min<std::int64_t>(spectra, std::ssize(drifts_ppm_));
+  const auto count =
+      static_cast<std::ptrdiff_t>(std::min<std::int64_t>(spectra, std::ssize(drifts_ppm_)));
   if (count <= 0) return 0.0;
   return std::accumulate(drifts_ppm_.end() - count, drifts_ppm_.end(), 0.0) /
          static_cast<double>(count);

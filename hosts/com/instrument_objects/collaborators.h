@@ -63,6 +63,7 @@ class DataDictionaryObject final : public DualObject<DataDictionaryObject, IData
 
  private:
   std::shared_ptr<DataDictionary> dictionary_;
+  KeptTypes<ISetpointTable, ISpectrumDisplay, IStatusReader> handed_out_;
 };
 
 class AcqControllerObject final : public DualObject<AcqControllerObject, IAcqController> {
@@ -92,6 +93,7 @@ class AcqControllerObject final : public DualObject<AcqControllerObject, IAcqCon
 
  private:
   std::shared_ptr<AcqController> controller_;
+  KeptTypes<IMassCalCoefficients> handed_out_;
 };
 
 class SpecParserObject final : public DualObject<SpecParserObject, ISpecParser> {
@@ -110,6 +112,7 @@ class SpecParserObject final : public DualObject<SpecParserObject, ISpecParser> 
 
  private:
   std::shared_ptr<SpecParser> parser_;
+  KeptTypes<IPeakList> handed_out_;
 };
 
 class TuneFlagsObject final : public DualObject<TuneFlagsObject, ITuneFlags> {
@@ -154,6 +157,7 @@ class CalibLogFilesObject final : public DualObject<CalibLogFilesObject, ICalibL
 
  private:
   std::shared_ptr<CalibLogFiles> files_;
+  KeptTypes<ILogTextStream> handed_out_;
 };
 
 class InstrumentPathsObject final : public DualObject<InstrumentPathsObject, IInstrumentPaths> {

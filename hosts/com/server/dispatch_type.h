@@ -5,6 +5,7 @@
 // by-reference parameter, and optional arguments that are left out are not safe with it everywhere.
 #pragma once
 
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -40,6 +41,14 @@ class DispatchType {
 
   ComPtr<ITypeInfo> info_;  // of the interface itself, not of its late-bound view
   std::vector<FUNCDESC*> functions_;
+};
+
+// Keeps the descriptions of interfaces whose objects come and go: to read one takes longer than all
+// calls of a short-lived object.
+template <class... Interfaces>
+class KeptTypes {
+  std::array<std::shared_ptr<const DispatchType>, sizeof...(Interfaces)> types_{
+      DispatchType::Of(__uuidof(Interfaces))...};
 };
 
 }  // namespace tof::com
