@@ -1,6 +1,8 @@
 // The type libraries as Windows reads them: what the tool that makes them writes wrongly, it writes
 // silently.
 
+#include <algorithm>
+#include <cctype>
 #include <string>
 #include <vector>
 
@@ -226,6 +228,31 @@ TEST_F(TypeLibrary, PublishesEveryCollaboratorWithItsMethodsBehindThoseOfDispatc
           << expected.name << "." << methods[i].name;
     }
   }
+}
+
+TEST_F(TypeLibrary, KeepsTheControlOfTheStandInApartFromWhatInstrumentMakersProvide) {
+  std::wstring server = CalibratorDll::Path();
+  server.replace(server.find_last_of(L'\\') + 1, std::wstring::npos, L"vorninstrument.dll");
+  const auto published = Load(server + L"\\1");
+  for (UINT i = 0; i < published->GetTypeInfoCount(); ++i) {
+    ComPtr<ITypeInfo> info;
+    published->GetTypeInfo(i, info.Out());
+    EXPECT_NE(NameOf(*info.get()), "IInstrumentControl");
+  }
+  const auto methods =
+      FunctionsOf(*Vtable(TypeNamed(*Load(server + L"\\3").get(), "IInstrumentControl")).get());
+  for (std::size_t i = 0; i < methods.size(); ++i) {
+    EXPECT_EQ(methods[i].slot, 7 + static_cast<int>(i)) << methods[i].name;
+    // A parameter of the same name in other letters would take over.
+    EXPECT_NE(std::isupper(static_cast<unsigned char>(methods[i].name[0])), 0) << methods[i].name;
+  }
+  const auto truth = std::find_if(methods.begin(), methods.end(),
+                                  [](const Function& f) { return f.name == "TrueError"; });
+  ASSERT_NE(truth, methods.end());
+  EXPECT_THAT(truth->parameters,
+              ElementsAre("in string figure", "in variant expected_masses", "in variant times_ns",
+                          "in long spectra_per_mass", "in boolean aic",
+                          "in optional variant abundances", "out retval double* error_ppm"));
 }
 
 }  // namespace

@@ -114,9 +114,9 @@ HRESULT ControlObject::OverrideSetpoint(BSTR text) {
     });
   });
 }
-HRESULT ControlObject::OverrideMasses(VARIANT masses) {
+HRESULT ControlObject::OverrideMasses(VARIANT calibrants) {
   return Do([&] {
-    const BoundedArray<double> replacing = MassesFromCaller(FromVariant(masses));
+    const BoundedArray<double> replacing = MassesFromCaller(FromVariant(calibrants));
     process_->Change([&](InstrumentChoice& choice) {
       description::OverrideCalibrants(choice.description, {replacing.begin(), replacing.end()});
     });
@@ -220,14 +220,15 @@ HRESULT ControlObject::get_InstrumentSeconds(double* seconds) {
 HRESULT ControlObject::get_Files(VARIANT* paths) {
   return Do([&] { *paths = VariantsOf(process_->Present().Files()); });
 }
-HRESULT ControlObject::TrueError(BSTR figure, VARIANT masses, VARIANT times_ns, LONG spectra,
-                                 VARIANT_BOOL aic, VARIANT abundances, double* error_ppm) {
+HRESULT ControlObject::TrueError(BSTR figure, VARIANT expected_masses, VARIANT times_ns,
+                                 LONG spectra_per_mass, VARIANT_BOOL aic, VARIANT abundances,
+                                 double* error_ppm) {
   return Do([&] {
-    *error_ppm =
-        TrueErrorOf(Instrument(), {.figure = TextOf(figure),
-                                   .calibrants = CalibrantsOf(masses, times_ns, abundances),
-                                   .spectra = spectra,
-                                   .aic = aic != VARIANT_FALSE});
+    *error_ppm = TrueErrorOf(Instrument(),
+                             {.figure = TextOf(figure),
+                              .calibrants = CalibrantsOf(expected_masses, times_ns, abundances),
+                              .spectra = spectra_per_mass,
+                              .aic = aic != VARIANT_FALSE});
   });
 }
 

@@ -16,7 +16,7 @@ class ControlObject final : public DualObject<ControlObject, IInstrumentControl>
   HRESULT STDMETHODCALLTYPE OverrideSetting(BSTR text) override;
   HRESULT STDMETHODCALLTYPE OverrideFlag(BSTR text) override;
   HRESULT STDMETHODCALLTYPE OverrideSetpoint(BSTR text) override;
-  HRESULT STDMETHODCALLTYPE OverrideMasses(VARIANT masses) override;
+  HRESULT STDMETHODCALLTYPE OverrideMasses(VARIANT calibrants) override;
   HRESULT STDMETHODCALLTYPE get_BaseFolder(BSTR* folder) override;
   HRESULT STDMETHODCALLTYPE put_BaseFolder(BSTR folder) override;
   HRESULT STDMETHODCALLTYPE get_Seed(LONG* seed) override;
@@ -39,8 +39,8 @@ class ControlObject final : public DualObject<ControlObject, IInstrumentControl>
   HRESULT STDMETHODCALLTYPE Calls(BSTR operation, LONG* count) override;
   HRESULT STDMETHODCALLTYPE get_InstrumentSeconds(double* seconds) override;
   HRESULT STDMETHODCALLTYPE get_Files(VARIANT* paths) override;
-  HRESULT STDMETHODCALLTYPE TrueError(BSTR figure, VARIANT masses, VARIANT times_ns, LONG spectra,
-                                      VARIANT_BOOL aic, VARIANT abundances,
+  HRESULT STDMETHODCALLTYPE TrueError(BSTR figure, VARIANT expected_masses, VARIANT times_ns,
+                                      LONG spectra_per_mass, VARIANT_BOOL aic, VARIANT abundances,
                                       double* error_ppm) override;
 
   HRESULT STDMETHODCALLTYPE SearchTargetAbundance(float minimum, float maximum,
