@@ -1,9 +1,12 @@
 # tof_library(name SOURCES a.cpp ... [LINK target ...])
-# A static library of one folder, with the project's warnings. LINK is public.
+# A static library of one folder, with the project's warnings. LINK is public. Whoever uses the installed
+# library gets its headers and the language version, and keeps to warnings of their own.
 function(tof_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES})
-  target_link_libraries(${name} PUBLIC tof_options ${ARG_LINK})
+  target_link_libraries(${name} PUBLIC $<BUILD_INTERFACE:tof_options> ${ARG_LINK})
+  target_compile_features(${name} INTERFACE cxx_std_20)
+  target_include_directories(${name} INTERFACE $<INSTALL_INTERFACE:include/tofcalibrator>)
 endfunction()
 
 # tof_test_code(name)
