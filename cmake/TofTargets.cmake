@@ -43,6 +43,20 @@ function(tof_test name)
   endif()
 endfunction()
 
+# tof_python_test(file CLASSES Class ... [ENVIRONMENT NAME=value ...])
+# Tests in Python, which reaches a pseudo-terminal, another shell or dpkg more easily: a ctest test for each
+# class of file.py. They find the program through TOFCAL.
+function(tof_python_test file)
+  cmake_parse_arguments(ARG "" "" "CLASSES;ENVIRONMENT" ${ARGN})
+  find_package(Python3 REQUIRED COMPONENTS Interpreter)
+  foreach(class IN LISTS ARG_CLASSES)
+    add_test(NAME ${class} COMMAND Python3::Interpreter -B -m unittest -v ${file}.${class}
+      WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}")
+    set_tests_properties(${class} PROPERTIES TIMEOUT 600
+      ENVIRONMENT "TOFCAL=$<TARGET_FILE:tofcal>;${ARG_ENVIRONMENT}")
+  endforeach()
+endfunction()
+
 # tof_bench(name SOURCES a_bench.cpp ... [LINK target ...])
 function(tof_bench name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "component/automation/error.h"
+#include "component/trace/trace.h"
 
 namespace tof::cli {
 namespace {
@@ -25,6 +26,7 @@ RunOutcome Calibrate(CalibrationCall call, InstrumentFactory& instrument, HostSe
   outcome.masses = std::move(call.masses);
   outcome.spectra = call.spectra;
   LastStatus events;
+  const ModuleStateScope own_state;  // the trace component is that of this call's host
   try {
     TofCalibrator calibrator(instrument, host, events);
     outcome.has_coefficients =

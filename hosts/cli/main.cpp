@@ -21,16 +21,20 @@ ExitCode Run(const tof::cli::TextRequest& request) {
   return tof::cli::kDone;
 }
 
+tof::cli::Terminal StandardStreams() {
+  return {std::cout, std::cerr, isatty(STDERR_FILENO) != 0};
+}
+
 ExitCode Run(const tof::cli::FitOptions& options) {
   return tof::cli::RunFit(options, std::cout, std::cerr);
 }
 
 ExitCode Run(const tof::cli::CalibrateOptions& options) {
-  return tof::cli::RunCalibrate(options, {std::cout, std::cerr, isatty(STDERR_FILENO) != 0});
+  return tof::cli::RunCalibrate(options, StandardStreams());
 }
 
 ExitCode Run(const tof::cli::CheckOptions& options) {
-  return tof::cli::RunCheckInstrument(options, std::cout, std::cerr);
+  return tof::cli::RunCheckInstrument(options, StandardStreams());
 }
 
 }  // namespace

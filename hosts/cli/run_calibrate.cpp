@@ -8,6 +8,7 @@
 #include "component/automation/error.h"
 #include "hosts/cli/advice.h"
 #include "hosts/cli/calibration_call.h"
+#include "hosts/cli/calibration_progress.h"
 #include "hosts/cli/calibration_setup.h"
 #include "hosts/cli/chosen_instrument.h"
 #include "hosts/cli/interrupt.h"
@@ -70,23 +71,23 @@ ExitCode RunCalibrate(const CalibrateOptions& options, const Terminal& terminal)
   RequireNotAnInput(options.trace_file, inputs);
 
   Progress progress(terminal.err, terminal.err_is_terminal);
-  const standin::StandInInstrument* watched = nullptr;
-  const auto show_progress = [&progress, &watched] {
-    if (watched == nullptr) return;
-    progress.ShowSpectra(watched->Counted().spectra, watched->State().clock->Seconds());
+  CalibrationProgress* followed = nullptr;
+  const auto show_progress = [&followed] {
+    if (followed != nullptr) followed->Show();
   };
   const auto clock = std::make_shared<WatchedClock>(MakeClock(options.real_time), show_progress);
   const auto host = MakeHost(options, terminal.err, clock);
   standin::StandInInstrument instrument(description, InstrumentOptionsOf(options), *host, clock);
-  watched = &instrument;
 
   ResultOutput output(options.json_file, terminal.out);
   PrepareLogFolder(description.base_folder);
   RegisterTrace(options.trace_file, *host);
 
+  CalibrationCall call = CallOf(options, description.run, std::move(masses));
+  CalibrationProgress calibration(progress, instrument, call.masses.size(), call.spectra, *host);
+  followed = &calibration;
   const AbortOnInterrupt abort_on_interrupt(instrument);
-  const RunOutcome outcome =
-      Calibrate(CallOf(options, description.run, std::move(masses)), instrument, *host);
+  const RunOutcome outcome = Calibrate(std::move(call), instrument, *host);
   progress.Finish();
 
   CalibrationReport report = BuildReport(outcome, instrument, *host);

@@ -1,4 +1,4 @@
-// A clock that tells somebody when the instrument has spent time.
+// A clock that tells somebody when the instrument begins to spend time.
 #pragma once
 
 #include <functional>
@@ -11,18 +11,19 @@ namespace tof::cli {
 
 class WatchedClock : public spectra::InstrumentClock {
  public:
-  WatchedClock(std::shared_ptr<spectra::InstrumentClock> clock, std::function<void()> on_advance)
-      : clock_(std::move(clock)), on_advance_(std::move(on_advance)) {}
+  WatchedClock(std::shared_ptr<spectra::InstrumentClock> clock,
+               std::function<void()> before_advance)
+      : clock_(std::move(clock)), before_advance_(std::move(before_advance)) {}
 
   double Seconds() const override { return clock_->Seconds(); }
   void Advance(double seconds) override {
+    before_advance_();
     clock_->Advance(seconds);
-    on_advance_();
   }
 
  private:
   std::shared_ptr<spectra::InstrumentClock> clock_;
-  std::function<void()> on_advance_;
+  std::function<void()> before_advance_;
 };
 
 }  // namespace tof::cli

@@ -1,5 +1,5 @@
-// The calibrator with the standard library alone: an instrument that is switched off and a host that has
-// nothing to offer. Creating the calibrator raises what the instrument said.
+// The calibrator with the standard library alone: an instrument that is switched off and a host
+// that has nothing to offer. Creating the calibrator raises what the instrument said.
 #include <iostream>
 #include <stdexcept>
 
@@ -9,7 +9,9 @@
 
 namespace {
 
-[[noreturn]] void SwitchedOff() { throw tof::AutomationError(4711, "the instrument is off"); }
+[[noreturn]] void SwitchedOff() {
+  throw tof::AutomationError(4711, "the instrument is off");
+}
 
 class InstrumentThatIsOff : public tof::InstrumentFactory {
  public:

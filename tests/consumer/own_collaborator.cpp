@@ -1,5 +1,5 @@
-// Instrument software on its way: one collaborator of its own, the rest borrowed from the stand-in, until
-// they are written too. It must pass the conformance suite and calibrate.
+// Instrument software on its way: one collaborator of its own, the rest borrowed from the stand-in,
+// until they are written too. It must pass the conformance suite and calibrate.
 #include <iostream>
 #include <utility>
 
@@ -43,14 +43,14 @@ struct PrintStatus : tof::StatusEvents {
 
 bool PassesTheSuite(OwnInstrument& instrument, tof::HostServices& host) {
   bool passes = true;
-  for (const auto& result : tof::conformance::RunChecks(
-           {.factory = instrument,
-            .host = host,
-            .abort = {.ask = [&] { instrument.RequestAbort(); },
-                      .withdraw = [&] { instrument.WithdrawAbort(); }}})) {
+  for (const auto& result : tof::conformance::RunChecks({.factory = instrument,
+                            .host = host,
+                            .abort = {.ask = [&] { instrument.RequestAbort(); },
+                                     .withdraw = [&] { instrument.WithdrawAbort(); }}})) {
     if (result.outcome != tof::conformance::Outcome::kFail) continue;
     passes = false;
-    std::cerr << result.id << ": expected " << result.expected << ", found " << result.found << '\n';
+    std::cerr << result.id << ": expected " << result.expected << ", found " << result.found
+              << '\n';
   }
   return passes;
 }
@@ -59,8 +59,8 @@ bool Calibrates(OwnInstrument& instrument, tof::HostServices& host) {
   PrintStatus events;
   tof::TofCalibrator calibrator(instrument, host, events);
   std::int16_t spectra = 3;
-  const tof::Variant masses = tof::Variant::DoubleArray(
-      {90.97664, 158.96407, 226.95149, 498.90119, 906.82573, 1450.72512});
+  const tof::Variant masses =
+      tof::Variant::DoubleArray({90.97664, 158.96407, 226.95149, 498.90119, 906.82573, 1450.72512});
   tof::Variant flight_times;
   bool suppress_aic = false;
   const auto coefficients =

@@ -7,7 +7,6 @@
 
 #include "hosts/cli/coefficient_names.h"
 #include "hosts/cli/json_report.h"
-#include "hosts/cli/progress.h"
 #include "hosts/cli/text_report.h"
 
 namespace tof::cli {
@@ -131,25 +130,6 @@ TEST(TextReport, SaysThatACalibrationWasSkipped) {
 TEST(CoefficientNames, NameTheFittedOnes) {
   EXPECT_THAT(NamesOfFitted(0), ElementsAre("A", "t0"));
   EXPECT_THAT(NamesOfFitted(0b100001), ElementsAre("A", "t0", "C", "H"));
-}
-
-TEST(Progress, IsOneLineThatIsClearedAtTheEnd) {
-  std::ostringstream out;
-  {
-    Progress progress(out, true);
-    progress.ShowSpectra(3, 4.2);
-    EXPECT_EQ(out.str(), "\r\033[Kcalibrating: 3 spectra, 4 s of instrument time");
-  }
-  EXPECT_THAT(out.str(), ::testing::EndsWith("\r\033[K"));
-}
-
-TEST(Progress, IsSilentWhereNobodyWatches) {
-  std::ostringstream out;
-  {
-    Progress progress(out, false);
-    progress.ShowSpectra(3, 4.2);
-  }
-  EXPECT_EQ(out.str(), "");
 }
 
 }  // namespace
