@@ -59,6 +59,12 @@ TEST(ConformancePage, ShowsItsExampleAsItIsCompiled) {
   EXPECT_EQ(BlockBehind(BytesOf(kRoot / "docs/conformance.md"), "<!-- " + example + " -->"), code);
 }
 
+TEST(PackagesPage, ShowsTheConsumerAsItIsBuilt) {
+  const std::string example = "tests/consumer/CMakeLists.txt";
+  const std::string code = Between(BytesOf(kRoot / example), "[page]");
+  EXPECT_EQ(BlockBehind(BytesOf(kRoot / "docs/packages.md"), "<!-- " + example + " -->"), code);
+}
+
 // Runs an example with a base folder of its own; its answer is that of the program.
 int RunInFolder(const std::string& program, const std::string& name) {
   const fs::path folder = fs::path(testing::TempDir()) / name;
