@@ -4,6 +4,7 @@
 
 #include "component/automation/error.h"
 #include "component/trace/trace.h"
+#include "hosts/recording/taped_calibrator.h"
 
 namespace tof::cli {
 namespace {
@@ -19,22 +20,34 @@ class LastStatus : public StatusEvents {
   std::optional<Status> status_;
 };
 
+// `Calibrator` is the component's own or the one on a tape.
+template <class Calibrator>
+void Ask(Calibrator& calibrator, CalibrationCall& call, RunOutcome& outcome) {
+  outcome.has_coefficients =
+      calibrator.calibrateTOFMassAxis(outcome.spectra, Variant::DoubleArray(outcome.masses),
+                                      outcome.averaged_times, call.suppress_aic,
+                                      call.optional) != nullptr;
+  outcome.peaks = calibrator.Peaks();
+}
+
 }  // namespace
 
-RunOutcome Calibrate(CalibrationCall call, InstrumentFactory& instrument, HostServices& host) {
+RunOutcome Calibrate(CalibrationCall call, InstrumentFactory& instrument, HostServices& host,
+                     recording::Tape* tape) {
   RunOutcome outcome;
   outcome.masses = std::move(call.masses);
   outcome.spectra = call.spectra;
   LastStatus events;
   const ModuleStateScope own_state;  // the trace component is that of this call's host
   try {
-    TofCalibrator calibrator(instrument, host, events);
-    outcome.has_coefficients =
-        calibrator.calibrateTOFMassAxis(outcome.spectra, Variant::DoubleArray(outcome.masses),
-                                        outcome.averaged_times, call.suppress_aic,
-                                        call.optional) != nullptr;
+    if (tape != nullptr) {
+      recording::TapedCalibrator calibrator(*tape, &instrument, &host, &events);
+      Ask(calibrator, call, outcome);
+    } else {
+      TofCalibrator calibrator(instrument, host, events);
+      Ask(calibrator, call, outcome);
+    }
     outcome.failure = events.status();
-    outcome.peaks = calibrator.Peaks();
   } catch (const AutomationError& error) {
     outcome.failure = Status{error.number(), error.description()};
   }

@@ -6,6 +6,7 @@
 
 #include "component/calibrator/tof_calibrator.h"
 #include "hosts/cli/run_outcome.h"
+#include "hosts/recording/tape.h"
 
 namespace tof::cli {
 
@@ -17,6 +18,8 @@ struct CalibrationCall {
 };
 
 // Makes a calibrator of its own for the call. Nothing is thrown: what goes wrong is in the outcome.
-RunOutcome Calibrate(CalibrationCall call, InstrumentFactory& instrument, HostServices& host);
+// With a `tape`, all that passes between the calibrator and the outside goes over it.
+RunOutcome Calibrate(CalibrationCall call, InstrumentFactory& instrument, HostServices& host,
+                     recording::Tape* tape = nullptr);
 
 }  // namespace tof::cli

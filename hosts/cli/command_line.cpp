@@ -143,6 +143,16 @@ void DeclareInstrumentChanges(OptionTable& table, InstrumentChoice& choice) {
 
 void DeclareOutput(OptionTable& table, CalibrateOptions& options) {
   table.Text("--trace", "FILE", "Writes the trace, one line a call", options.trace_file);
+  table.Text("--record", "FILE", "Keeps every call and answer, for tofcal replay",
+             options.record_file);
+  table.Text("--timeline", "FILE.json",
+             "Writes routines, spectra and setpoint writes on instrument time, for trace viewers",
+             options.timeline_file);
+  DeclareJson(table, options.json_file);
+}
+
+void DeclareReplay(OptionTable& table, ReplayOptions& options) {
+  table.Text("recording", "FILE", "What calibrate --record has written", options.recording);
   DeclareJson(table, options.json_file);
 }
 
@@ -208,6 +218,12 @@ Command ParseCommandLine(int argc, const char* const* argv) {
   DeclareInstrumentChanges(calibrate_table, calibrate_options);
   DeclareOutput(calibrate_table, calibrate_options);
 
+  CLI::App& replay = *app.add_subcommand(
+      "replay", "Runs the calibrator on a recording and shows the first difference");
+  ReplayOptions replay_options;
+  OptionTable replay_table(replay);
+  DeclareReplay(replay_table, replay_options);
+
   CLI::App& check = *app.add_subcommand(
       "check-instrument", "Checks that an instrument does what a calibration relies on");
   CheckOptions check_options;
@@ -235,12 +251,16 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     calibrate_table.StoreValues();
     return calibrate_options;
   }
+  if (replay.parsed()) {
+    if (replay_options.recording.empty()) throw UsageError("replay: a recording is missing");
+    return replay_options;
+  }
   if (check.parsed()) {
     check_table.StoreValues();
     return check_options;
   }
   if (!fit.parsed()) {
-    throw UsageError("nothing to do: expected calibrate, check-instrument or fit");
+    throw UsageError("nothing to do: expected calibrate, replay, check-instrument or fit");
   }
   fit_table.StoreValues();
   CheckFit(fit_options);

@@ -14,7 +14,8 @@ struct TextRequest {
   std::string text;
 };
 
-using Command = std::variant<TextRequest, CalibrateOptions, CheckOptions, FitOptions>;
+using Command =
+    std::variant<TextRequest, CalibrateOptions, ReplayOptions, CheckOptions, FitOptions>;
 
 // A command line that can't be followed; the text says what and, where it is not obvious, what
 // would do.

@@ -10,6 +10,7 @@
 #include "hosts/cli/run_calibrate.h"
 #include "hosts/cli/run_check_instrument.h"
 #include "hosts/cli/run_fit.h"
+#include "hosts/cli/run_replay.h"
 #include "instruments/spectra/input_error.h"
 
 namespace {
@@ -31,6 +32,10 @@ ExitCode Run(const tof::cli::FitOptions& options) {
 
 ExitCode Run(const tof::cli::CalibrateOptions& options) {
   return tof::cli::RunCalibrate(options, StandardStreams());
+}
+
+ExitCode Run(const tof::cli::ReplayOptions& options) {
+  return tof::cli::RunReplay(options, std::cout, std::cerr);
 }
 
 ExitCode Run(const tof::cli::CheckOptions& options) {

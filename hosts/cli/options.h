@@ -36,10 +36,17 @@ struct CalibrateOptions : InstrumentChoice {
   std::optional<double> trad_weighting;
   std::optional<double> peak_window;  // per cent of the flight time
   std::string trace_file;
+  std::string record_file;    // empty: nothing is recorded
+  std::string timeline_file;  // empty: none
   std::string json_file;  // "-": standard output
 };
 
 struct CheckOptions : InstrumentChoice {
+  std::string json_file;  // "-": standard output
+};
+
+struct ReplayOptions {
+  std::string recording;
   std::string json_file;  // "-": standard output
 };
 

@@ -17,6 +17,8 @@
 #include "hosts/cli/progress.h"
 #include "hosts/cli/report_builder.h"
 #include "hosts/cli/result_output.h"
+#include "hosts/cli/run_recording.h"
+#include "hosts/cli/run_timeline.h"
 #include "hosts/cli/text_report.h"
 #include "hosts/cli/watched_clock.h"
 #include "hosts/native/text_file.h"
@@ -69,6 +71,8 @@ ExitCode RunCalibrate(const CalibrateOptions& options, const Terminal& terminal)
   const auto inputs = InputFiles(options, description);
   RequireNotAnInput(options.json_file, inputs);
   RequireNotAnInput(options.trace_file, inputs);
+  RequireNotAnInput(options.record_file, inputs);
+  RequireNotAnInput(options.timeline_file, inputs);
 
   Progress progress(terminal.err, terminal.err_is_terminal);
   CalibrationProgress* followed = nullptr;
@@ -77,22 +81,29 @@ ExitCode RunCalibrate(const CalibrateOptions& options, const Terminal& terminal)
   };
   const auto clock = std::make_shared<WatchedClock>(MakeClock(options.real_time), show_progress);
   const auto host = MakeHost(options, terminal.err, clock);
-  standin::StandInInstrument instrument(description, InstrumentOptionsOf(options), *host, clock);
+  RunTimeline timeline(options.timeline_file, clock);
+  standin::InstrumentOptions instrument_options = InstrumentOptionsOf(options);
+  instrument_options.observer = timeline.observer();
+  standin::StandInInstrument instrument(description, instrument_options, *host, clock);
 
   ResultOutput output(options.json_file, terminal.out);
   PrepareLogFolder(description.base_folder);
   RegisterTrace(options.trace_file, *host);
+  timeline.Follow(*host);
+  RunRecording recording(options.record_file, *host);
 
   CalibrationCall call = CallOf(options, description.run, std::move(masses));
   CalibrationProgress calibration(progress, instrument, call.masses.size(), call.spectra, *host);
   followed = &calibration;
   const AbortOnInterrupt abort_on_interrupt(instrument);
-  const RunOutcome outcome = Calibrate(std::move(call), instrument, *host);
+  const RunOutcome outcome = Calibrate(std::move(call), instrument, *host, recording.tape());
   progress.Finish();
 
   CalibrationReport report = BuildReport(outcome, instrument, *host);
   report.wall_seconds = SecondsSince(start);
   output.Deliver(report);
+  timeline.Deliver();
+  recording.Close();
   if (!outcome.failure) return kDone;
   terminal.err << "calibration failed: [" << report.status_number << "] " << report.status_message
                << '\n'

@@ -20,6 +20,7 @@ struct InstrumentOptions {
   std::optional<std::uint64_t> seed = {};      // of the virtual instrument, in place of its own
   std::optional<double> abort_after_sec = {};  // on the instrument's clock
   std::vector<Fault> faults = {};
+  InstrumentObserver* observer = nullptr;  // outlives the instrument
 };
 
 // Virtual or recorded, as the description says. All collaborators that it creates share one state,

@@ -32,14 +32,20 @@ void WriteSetpoint(InstrumentState& state, std::int32_t id, ValueType type, cons
   const ValueType own_type = SetpointOf(state, id).type;
   const Variant stored = AsType(own_type, AsType(type, value));
   const std::int32_t own_id = OwnSetpointId(state.description, id);
+  const double began_sec = state.clock->Seconds();
   state.source->SetpointWritten(own_id, ToDouble(stored));
   state.setpoints.at(own_id).value = stored;
   ++state.counters.setpoint_writes;
+  if (state.observer != nullptr) {
+    state.observer->SetpointWritten(own_id, ToDouble(stored), began_sec);
+  }
 }
 
 spectra::SpectrumSource::SpectrumPtr AcquireSpectrum(InstrumentState& state) {
+  const double began_sec = state.clock->Seconds();
   spectra::SpectrumSource::SpectrumPtr spectrum = state.source->Acquire();
   ++state.counters.spectra;
+  if (state.observer != nullptr) state.observer->SpectrumTaken(began_sec);
   return spectrum;
 }
 

@@ -13,6 +13,7 @@
 #include "instruments/masstime/mass_time_model.h"
 #include "instruments/spectra/instrument_clock.h"
 #include "instruments/spectra/spectrum_source.h"
+#include "instruments/standin/instrument_observer.h"
 #include "instruments/standin/operation_gate.h"
 
 namespace tof::standin {
@@ -42,6 +43,7 @@ struct InstrumentState {
   HostServices& host;
   std::shared_ptr<spectra::InstrumentClock> clock;
   std::shared_ptr<spectra::SpectrumSource> source;
+  InstrumentObserver* observer = nullptr;  // none: nobody wants to know
 
   // When the user asks for an abort, on the instrument's clock.
   // Written by: the host.  Read by: AcqController.IsAbortRequested.
