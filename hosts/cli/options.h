@@ -38,7 +38,7 @@ struct CalibrateOptions : InstrumentChoice {
   std::string trace_file;
   std::string record_file;    // empty: nothing is recorded
   std::string timeline_file;  // empty: none
-  std::string json_file;  // "-": standard output
+  std::string json_file;      // "-": standard output
 };
 
 struct CheckOptions : InstrumentChoice {

@@ -8,9 +8,9 @@ namespace tof::cli {
 namespace {
 
 Json DifferenceJson(const recording::Difference& difference) {
-  return {{"line", difference.line},         {"call", difference.call},
-          {"routine", difference.routine},   {"expected", difference.expected},
-          {"came", difference.came},         {"first_part", difference.first_part}};
+  return {{"line", difference.line},       {"call", difference.call},
+          {"routine", difference.routine}, {"expected", difference.expected},
+          {"came", difference.came},       {"first_part", difference.first_part}};
 }
 
 std::string DifferenceText(const std::string& recording, const recording::Difference& difference) {

@@ -18,8 +18,8 @@ ExitCode RunReplay(const ReplayOptions& options, std::ostream& out, std::ostream
                             .cut = recording.cut};
   output.Deliver(report);
   if (report.cut) {
-    const spectra::InputError ends_early({recording.source, report.cut->line, 1},
-                                         report.cut->found, "the closing line of the recording");
+    const spectra::InputError ends_early({recording.source, report.cut->line, 1}, report.cut->found,
+                                         "the closing line of the recording");
     err << "tofcal: " << ends_early.what() << "; it was followed up to there\n";
   }
   if (report.result.difference) return kFailed;

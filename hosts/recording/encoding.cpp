@@ -95,8 +95,9 @@ template <class Whole>
 Whole WholeNumber(const Json& json) {
   const std::string expected = "a whole number of " + std::to_string(8 * sizeof(Whole)) + " bits";
   if (!json.is_number_integer()) Fail(json, expected);
-  const bool too_large = json.is_number_unsigned() &&
-                         json.get<std::uint64_t>() > std::uint64_t{std::numeric_limits<Whole>::max()};
+  const bool too_large =
+      json.is_number_unsigned() &&
+      json.get<std::uint64_t>() > std::uint64_t{std::numeric_limits<Whole>::max()};
   if (too_large) Fail(json, expected);
   const auto value = json.get<std::int64_t>();
   if (value < std::int64_t{std::numeric_limits<Whole>::min()}) Fail(json, expected);
@@ -281,14 +282,11 @@ Json Encoded(const CoefficientRecord& record) {
   return EncodedAll(record);
 }
 Json Encoded(const CalInfo& info) {
-  return {{"unused0", HexOfBytes(info.unused0)},
-          {"time_ns", Encoded(info.time_ns)},
-          {"setpoint119", info.setpoint119},
-          {"PolyTermPowerUseFlag", info.PolyTermPowerUseFlag},
-          {"PolyTermsFlags", info.PolyTermsFlags},
-          {"TradWeighting", info.TradWeighting},
-          {"PolyWeighting", info.PolyWeighting},
-          {"unused36", HexOfBytes(info.unused36)}};
+  return {
+      {"unused0", HexOfBytes(info.unused0)},   {"time_ns", Encoded(info.time_ns)},
+      {"setpoint119", info.setpoint119},       {"PolyTermPowerUseFlag", info.PolyTermPowerUseFlag},
+      {"PolyTermsFlags", info.PolyTermsFlags}, {"TradWeighting", info.TradWeighting},
+      {"PolyWeighting", info.PolyWeighting},   {"unused36", HexOfBytes(info.unused36)}};
 }
 Json Encoded(const ColumnStatistics& statistics) {
   return {{"averages", Encoded(statistics.averages)},
@@ -394,7 +392,8 @@ CalInfo Decoded(const Json& json) {
   const auto copy_bytes = [&json](const char* key, auto& to) {
     const std::vector<unsigned char> from = BytesOfHex(Member(json, key));
     if (from.size() != to.size()) Fail(json, std::to_string(to.size()) + " bytes of " + key);
-    std::transform(from.begin(), from.end(), to.begin(), [](unsigned char c) { return std::byte{c}; });
+    std::transform(from.begin(), from.end(), to.begin(),
+                   [](unsigned char c) { return std::byte{c}; });
   };
   copy_bytes("unused0", info.unused0);
   info.time_ns = DecodedMember<double>(json, "time_ns");

@@ -38,7 +38,8 @@ std::optional<SealedLine> Unsealed(std::string_view line) {
   SealedLine result{line.substr(0, line.size() - kSealLength), 0};
   const char* const digits = seal.data() + kOpening.size();
   const auto [stop, error] = std::from_chars(digits, digits + kDigits, result.sum, 16);
-  const bool is_seal = error == std::errc() && stop == digits + kDigits && seal == SealOf(result.sum);
+  const bool is_seal =
+      error == std::errc() && stop == digits + kDigits && seal == SealOf(result.sum);
   if (!is_seal) return std::nullopt;
   return result;
 }

@@ -11,9 +11,9 @@ namespace tof::recording {
 
 // A call of the calibrator to the outside.
 struct Call {
-  ObjectNumber on;         // none: the instrument factory, the host or the event sink
-  std::string operation;   // "Collaborator.Operation"
-  Json arguments;          // an array
+  ObjectNumber on;        // none: the instrument factory, the host or the event sink
+  std::string operation;  // "Collaborator.Operation"
+  Json arguments;         // an array
   friend bool operator==(const Call&, const Call&) = default;
 };
 

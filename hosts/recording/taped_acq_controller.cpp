@@ -83,9 +83,9 @@ std::string TapedAcqController::GetConfigurationName() {
                      [&] { return inner_->GetConfigurationName(); });
 }
 
-BoundedArray<double> TapedAcqController::GetCalibrantMasses(
-    std::int32_t setpoint117, const std::string& mode_name,
-    const std::string& configuration_name) {
+BoundedArray<double> TapedAcqController::GetCalibrantMasses(std::int32_t setpoint117,
+                                                            const std::string& mode_name,
+                                                            const std::string& configuration_name) {
   return object_.Ask(
       "AcqController.GetCalibrantMasses", Arguments(setpoint117, mode_name, configuration_name),
       [&] { return inner_->GetCalibrantMasses(setpoint117, mode_name, configuration_name); });

@@ -79,9 +79,8 @@ std::shared_ptr<MassCalCoefficients> TapedCalibrator::calibrateTOFMassAxis(
                        {"dTradWeighting", Encoded(optional.dTradWeighting)},
                        {"dPeakFindTimeWindow", Encoded(optional.dPeakFindTimeWindow)}};
   tape_.Invoke(kCalibrate, arguments, [&]() -> Json {
-    coefficients =
-        calibrator_->calibrateTOFMassAxis(nAvgSpectra, varExpectedMasses, varAveragedMeasuredTimes,
-                                          bSuppressAbImmuneCalib, optional);
+    coefficients = calibrator_->calibrateTOFMassAxis(
+        nAvgSpectra, varExpectedMasses, varAveragedMeasuredTimes, bSuppressAbImmuneCalib, optional);
     return {{"coefficients", Encoded(NumberOf<TapedMassCalCoefficients>(coefficients))},
             {"nAvgSpectra", nAvgSpectra},
             {"varAveragedMeasuredTimes", Encoded(varAveragedMeasuredTimes)},

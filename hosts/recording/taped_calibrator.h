@@ -50,8 +50,8 @@ class TapedCalibrator {
   std::unique_ptr<TofCalibrator> calibrator_;
 };
 
-// Calls `method` with arguments that were recorded; not for kNew and kDelete. Raises what the method
-// raises, and a MalformedValue for another method or arguments of another type.
+// Calls `method` with arguments that were recorded; not for kNew and kDelete. Raises what the
+// method raises, and a MalformedValue for another method or arguments of another type.
 void CallRecorded(TapedCalibrator& calibrator, const std::string& method, const Json& arguments);
 
 }  // namespace tof::recording

@@ -25,16 +25,15 @@ float TapedFirmwareLibrary::BinarySearchForTargetAb(
     std::int32_t argument1, float target_min_abundance, float target_max_abundance,
     float speed_up_factor, float argument5, float argument6, float argument7,
     std::int32_t argument8, float window_start_ns, float window_end_ns) {
-  return object_.Ask("FirmwareLibrary.BinarySearchForTargetAb",
-                     Arguments(argument1, target_min_abundance, target_max_abundance,
-                               speed_up_factor, argument5, argument6, argument7, argument8,
-                               window_start_ns, window_end_ns),
-                     [&] {
-                       return inner_->BinarySearchForTargetAb(
-                           argument1, target_min_abundance, target_max_abundance, speed_up_factor,
-                           argument5, argument6, argument7, argument8, window_start_ns,
-                           window_end_ns);
-                     });
+  return object_.Ask(
+      "FirmwareLibrary.BinarySearchForTargetAb",
+      Arguments(argument1, target_min_abundance, target_max_abundance, speed_up_factor, argument5,
+                argument6, argument7, argument8, window_start_ns, window_end_ns),
+      [&] {
+        return inner_->BinarySearchForTargetAb(
+            argument1, target_min_abundance, target_max_abundance, speed_up_factor, argument5,
+            argument6, argument7, argument8, window_start_ns, window_end_ns);
+      });
 }
 
 }  // namespace tof::recording

@@ -37,11 +37,11 @@ class TapedObject {
   template <class Taped, class Real>
   std::shared_ptr<Taped> AskObject(const char* operation, Json arguments, Real real) const {
     std::invoke_result_t<Real> inner;  // stays none in a replay
-    const Json answer = tape_.Exchange({number_, operation, std::move(arguments)},
-                                       [&](std::int64_t number) {
-                                         inner = real();
-                                         return Encoded(ObjectNumber{inner ? number : 0});
-                                       });
+    const Json answer =
+        tape_.Exchange({number_, operation, std::move(arguments)}, [&](std::int64_t number) {
+          inner = real();
+          return Encoded(ObjectNumber{inner ? number : 0});
+        });
     const auto number = Read<ObjectNumber>(answer);
     if (number == ObjectNumber{}) return nullptr;
     return std::make_shared<Taped>(tape_, number, std::move(inner));

@@ -38,14 +38,12 @@ void TapedSpecParser::FindPeaks(double start_ns, double end_ns, std::int32_t pea
 }
 
 bool TapedSpecParser::ShouldAvoidAIC(const Variant& masses, double& peak_find_width) {
-  const Json answer = object_.AskMembers("SpecParser.ShouldAvoidAIC",
-                                         Arguments(masses, peak_find_width),
-                                         [&](std::int64_t) -> Json {
-                                           double width = peak_find_width;
-                                           const bool avoid = inner_->ShouldAvoidAIC(masses, width);
-                                           return {{"avoid", avoid},
-                                                   {"peak_find_width", Encoded(width)}};
-                                         });
+  const Json answer = object_.AskMembers(
+      "SpecParser.ShouldAvoidAIC", Arguments(masses, peak_find_width), [&](std::int64_t) -> Json {
+        double width = peak_find_width;
+        const bool avoid = inner_->ShouldAvoidAIC(masses, width);
+        return {{"avoid", avoid}, {"peak_find_width", Encoded(width)}};
+      });
   const bool avoid = object_.ReadMember<bool>(answer, "avoid");
   peak_find_width = object_.ReadMember<double>(answer, "peak_find_width");
   return avoid;

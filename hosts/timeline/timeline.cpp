@@ -15,11 +15,8 @@ std::int64_t MicrosecondsOf(double seconds) {
 }
 
 nlohmann::ordered_json NameEvent(const char* what, std::int32_t track, const char* name) {
-  return {{"name", what},
-          {"ph", "M"},
-          {"pid", kProcess},
-          {"tid", track},
-          {"args", {{"name", name}}}};
+  return {
+      {"name", what}, {"ph", "M"}, {"pid", kProcess}, {"tid", track}, {"args", {{"name", name}}}};
 }
 
 }  // namespace
