@@ -1,6 +1,7 @@
 #include "hosts/cli/run_recording.h"
 
 #include <memory>
+#include <utility>
 
 #include "hosts/native/registered_trace.h"
 #include "hosts/native/silent_trace.h"
@@ -9,7 +10,7 @@
 
 namespace tof::cli {
 
-RunRecording::RunRecording(const std::string& path, native::PortableHost& host) : path_(path) {
+RunRecording::RunRecording(std::string path, native::PortableHost& host) : path_(std::move(path)) {
   if (path_.empty()) return;
   file_.emplace(path_, "tofcal " TOF_VERSION);
   recorder_.emplace(*file_);

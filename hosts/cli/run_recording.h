@@ -13,7 +13,7 @@ class RunRecording {
  public:
   // Nothing at all without a `path`. Makes the file and sees to it that there is a trace to record.
   // Raises an InputError when the file can't be written. `host` outlives the recording.
-  RunRecording(const std::string& path, native::PortableHost& host);
+  RunRecording(std::string path, native::PortableHost& host);
 
   // None when nothing is recorded.
   recording::Tape* tape() { return recorder_ ? &*recorder_ : nullptr; }

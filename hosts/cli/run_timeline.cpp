@@ -20,7 +20,7 @@ void RunTimeline::Follow(native::PortableHost& host) {
   if (!timeline_) return;
   std::shared_ptr<LateBoundObject> next = native::RegisteredTrace(host);
   if (!next) next = std::make_shared<native::SilentTrace>();
-  const auto trace = std::make_shared<timeline::TimelineTrace>(*timeline_, std::move(next));
+  auto trace = std::make_shared<timeline::TimelineTrace>(*timeline_, std::move(next));
   host.RegisterObject(native::kTraceProgId, [trace] { return trace; });
 }
 

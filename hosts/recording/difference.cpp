@@ -36,7 +36,7 @@ std::string TraceCall(const Json& arguments) {
 std::string DescriptionOf(const std::string& operation, ObjectNumber on, const Json& arguments,
                           const FileNames& files) {
   if (operation == "LateBoundObject.Call") {
-    const std::string trace = TraceCall(arguments);
+    std::string trace = TraceCall(arguments);
     if (!trace.empty()) return trace;
   }
   if (operation == "TextStream.WriteLine") {

@@ -10,7 +10,7 @@ namespace {
 // Set while it lives.
 class Mark {
  public:
-  explicit Mark(bool& flag) : flag_(flag) { flag_ = true; }
+  explicit Mark(bool& flag) : flag_(flag) { flag = true; }
   ~Mark() { flag_ = false; }
   Mark(const Mark&) = delete;
   Mark& operator=(const Mark&) = delete;
