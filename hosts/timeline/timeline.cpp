@@ -1,6 +1,8 @@
 #include "hosts/timeline/timeline.h"
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tof::timeline {
 namespace {
@@ -19,6 +21,10 @@ nlohmann::ordered_json NameEvent(const char* what, std::int32_t track, const cha
       {"name", what}, {"ph", "M"}, {"pid", kProcess}, {"tid", track}, {"args", {{"name", name}}}};
 }
 
+nlohmann::ordered_json EventAt(const char* phase, std::int32_t track, std::int64_t at_us) {
+  return {{"ph", phase}, {"pid", kProcess}, {"tid", track}, {"ts", at_us}};
+}
+
 }  // namespace
 
 Timeline::Timeline(std::shared_ptr<const spectra::InstrumentClock> clock)
@@ -30,17 +36,14 @@ Timeline::Timeline(std::shared_ptr<const spectra::InstrumentClock> clock)
 }
 
 void Timeline::EnterRoutine(const std::string& name, std::int32_t level) {
-  ++depth_;
-  Json event = Event("B", kRoutines, NowUs());
-  event["name"] = name;
-  event["args"] = {{"level", level}};
-  events_.push_back(std::move(event));
+  running_.push_back({{"name", name}, {"args", {{"level", level}}}});
+  AddRoutineEvent("B");
 }
 
 void Timeline::LeaveRoutine() {
-  if (depth_ == 0) return;
-  --depth_;
-  events_.push_back(Event("E", kRoutines, NowUs()));
+  if (running_.empty()) return;
+  AddRoutineEvent("E");
+  running_.pop_back();
 }
 
 void Timeline::SpectrumTaken(double began_sec) {
@@ -52,11 +55,9 @@ void Timeline::SetpointWritten(std::int32_t id, double value, double began_sec) 
 }
 
 std::string Timeline::Document() const {
-  Json events = events_;
-  for (std::size_t open = 0; open < depth_; ++open) {
-    events.push_back(Event("E", kRoutines, NowUs()));
-  }
-  const Json document{{"displayTimeUnit", "ms"}, {"traceEvents", std::move(events)}};
+  Timeline closed = *this;
+  while (!closed.running_.empty()) closed.LeaveRoutine();
+  const Json document{{"displayTimeUnit", "ms"}, {"traceEvents", std::move(closed.events_)}};
   return document.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
@@ -64,14 +65,20 @@ std::int64_t Timeline::NowUs() const {
   return MicrosecondsOf(clock_->Seconds());
 }
 
-Timeline::Json Timeline::Event(const char* phase, std::int32_t track, std::int64_t at_us) const {
-  return {{"ph", phase}, {"pid", kProcess}, {"tid", track}, {"ts", at_us}};
+// Most routines take no time of the instrument, and viewers do not agree on how events of one
+// moment nest: each therefore stands a microsecond behind the one before it. An end is found by
+// name and arguments in some viewers, by order in others.
+void Timeline::AddRoutineEvent(const char* phase) {
+  routines_at_us_ = std::max(routines_at_us_ + 1, NowUs());
+  Json event = EventAt(phase, kRoutines, routines_at_us_);
+  event.update(running_.back());
+  events_.push_back(std::move(event));
 }
 
 void Timeline::AddSpan(std::int32_t track, const std::string& name, double began_sec,
                        Json details) {
   const std::int64_t began_us = MicrosecondsOf(began_sec);
-  Json event = Event("X", track, began_us);
+  Json event = EventAt("X", track, began_us);
   event["dur"] = NowUs() - began_us;
   event["name"] = name;
   event["args"] = std::move(details);

@@ -42,8 +42,8 @@ TEST_F(TimelineTest, CountsInMicrosecondsOfTheInstrumentsClock) {
     {"ph":"X","pid":1,"tid":2,"ts":500000,"dur":1000000,"name":"spectrum","args":{"number":1}},
     {"ph":"X","pid":1,"tid":3,"ts":1500000,"dur":20000,"name":"setpoint 84",
      "args":{"id":84,"value":75.5}},
-    {"ph":"E","pid":1,"tid":1,"ts":1520000},
-    {"ph":"E","pid":1,"tid":1,"ts":1520000}])"));
+    {"ph":"E","pid":1,"tid":1,"ts":1520000,"name":"Inner","args":{"level":9}},
+    {"ph":"E","pid":1,"tid":1,"ts":1520001,"name":"Outer","args":{"level":4}}])"));
 }
 
 TEST_F(TimelineTest, EndsNowWhatStillRuns) {
@@ -54,7 +54,8 @@ TEST_F(TimelineTest, EndsNowWhatStillRuns) {
   const json events = Events();
   ASSERT_EQ(events.size(), 4U);
   EXPECT_EQ(events[2]["ph"], "E");
-  EXPECT_EQ(events[3]["ts"], 2000000);
+  EXPECT_EQ(events[2]["ts"], 2000000);
+  EXPECT_EQ(events[3]["ts"], 2000001);
 }
 
 TEST_F(TimelineTest, IsValidJsonWhateverTheNumbersAndNames) {
