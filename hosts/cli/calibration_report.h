@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "component/calibrator/mass_time_library.h"
+#include "instruments/masstime/mass_time_model.h"
 #include "instruments/standin/truth.h"
 
 namespace tof::cli {
@@ -44,7 +45,9 @@ struct CalibrationReport {
   std::string status_message;
   bool aic = false;
   std::vector<MassRow> masses;
+  std::string date;                               // of the calibration, UTC, "2026-11-21T17:05:09Z"
   std::optional<CoefficientRecord> coefficients;  // in force at the end of a good calibration
+  masstime::AcquisitionWindow window;             // that they belong to
   std::vector<std::string> terms;                 // fitted ones, "A", "t0", "C", ...
   std::optional<double> rms_ppm;
   std::optional<double> max_ppm;

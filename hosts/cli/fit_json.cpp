@@ -31,7 +31,7 @@ std::string JsonOf(const FitReport& report) {
   json["ok"] = true;
   json["masses"] = MassesJson(report);
   json["masses_without_peak"] = report.masses_without_peak;
-  json["coefficients"] = CoefficientsJson(report.fit.coefficients);
+  AddCoefficients(json, report.fit.coefficients, report.window, report.date);
   json.update(FiguresJson(report.fit));
   json["loo_with_choice_ppm"] = NumberOrNull(report.loo_with_choice_ppm);
   json["candidates"] = Json::array();

@@ -10,6 +10,8 @@
 namespace tof::cli {
 
 struct FitReport {
+  std::string date;  // of the fit, UTC, "2026-11-21T17:05:09Z"
+  masstime::AcquisitionWindow window;
   std::vector<double> masses;    // m/z
   std::vector<double> times_ns;  // of the same length
   std::vector<double> masses_without_peak;

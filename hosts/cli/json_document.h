@@ -17,12 +17,20 @@ inline Json NumberOrNull(std::optional<double> value) {
   return value && std::isfinite(*value) ? Json(*value) : Json(nullptr);
 }
 
-inline Json CoefficientsJson(const CoefficientRecord& coefficients) {
-  Json json;
-  for (std::size_t i = 0; i < coefficients.size(); ++i) {
-    json[kCoefficientNames[i]] = NumberOrNull(coefficients[i]);
+// What whoever uses the coefficients needs: themselves, the formula and the window that they belong
+// to, and since when they are; null without coefficients.
+inline void AddCoefficients(Json& json, const std::optional<CoefficientRecord>& coefficients,
+                            const masstime::AcquisitionWindow& window, const std::string& date) {
+  json["date"] = date;
+  json["formula"] = nullptr;
+  json["window_ns"] = nullptr;
+  json["coefficients"] = nullptr;
+  if (!coefficients) return;
+  json["formula"] = masstime::kFormula;
+  json["window_ns"] = {window.start_ns, window.end_ns};
+  for (std::size_t i = 0; i < coefficients->size(); ++i) {
+    json["coefficients"][kCoefficientNames[i]] = NumberOrNull((*coefficients)[i]);
   }
-  return json;
 }
 
 // A text of any bytes, for the indented document that all verbs write.

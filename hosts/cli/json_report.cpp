@@ -48,7 +48,7 @@ std::string JsonOf(const CalibrationReport& report) {
   json["aic"] = report.aic;
   json["masses"] = Json::array();
   for (const MassRow& row : report.masses) json["masses"].push_back(MassJson(row));
-  json["coefficients"] = report.coefficients ? CoefficientsJson(*report.coefficients) : Json();
+  AddCoefficients(json, report.coefficients, report.window, report.date);
   json["terms"] = report.terms;
   json["rms_ppm"] = NumberOrNull(report.rms_ppm);
   json["max_ppm"] = NumberOrNull(report.max_ppm);

@@ -144,9 +144,10 @@ CalibrationReport BuildReport(const RunOutcome& outcome,
   if (report.ok) {
     const auto terms = static_cast<masstime::TermSet>(state.in_force.info.PolyTermsFlags);
     report.coefficients = state.in_force.coefficients;
+    report.window = WindowOf(state);
     report.terms = NamesOfFitted(terms);
-    AddErrors({state.in_force.coefficients, WindowOf(state)}, report);
-    report.loo_ppm = LeaveOneOutPpm(report.masses, WindowOf(state), terms);
+    AddErrors({state.in_force.coefficients, report.window}, report);
+    report.loo_ppm = LeaveOneOutPpm(report.masses, report.window, terms);
     report.truth = standin::TruthOf(instrument, CalibrantsOf(report.masses), outcome.spectra,
                                     SpectraCollected(outcome, report.aic));
   }

@@ -11,6 +11,7 @@
 #include "hosts/cli/calibration_progress.h"
 #include "hosts/cli/calibration_setup.h"
 #include "hosts/cli/chosen_instrument.h"
+#include "hosts/cli/date_text.h"
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/json_report.h"
 #include "hosts/cli/log_folder.h"
@@ -100,6 +101,7 @@ ExitCode RunCalibrate(const CalibrateOptions& options, const Terminal& terminal)
   progress.Finish();
 
   CalibrationReport report = BuildReport(outcome, instrument, *host);
+  report.date = UtcDateText(std::chrono::system_clock::now());
   report.wall_seconds = SecondsSince(start);
   output.Deliver(report);
   timeline.Deliver();

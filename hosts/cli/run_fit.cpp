@@ -1,7 +1,9 @@
 #include "hosts/cli/run_fit.h"
 
 #include <algorithm>
+#include <chrono>
 
+#include "hosts/cli/date_text.h"
 #include "hosts/cli/fit_report.h"
 #include "hosts/cli/result_output.h"
 #include "hosts/cli/spectrum_pairs.h"
@@ -42,6 +44,8 @@ FitReport Fit(SpectrumPairs input, const FitOptions& options) {
   report.masses = std::move(input.found.masses);
   report.times_ns = std::move(input.found.times_ns);
   report.masses_without_peak = std::move(input.masses_without_peak);
+  report.date = UtcDateText(std::chrono::system_clock::now());
+  report.window = input.window;
 
   const Calibrants calibrants{report.masses, report.times_ns};
   const auto weighting = static_cast<Weighting>(options.weighting);

@@ -11,10 +11,16 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "component/calibrator/mass_time_library.h"
 
 namespace tof::masstime {
+
+// Names the relation above. It goes with the coefficients wherever they are kept, so that nobody
+// feeds them to another formula; a change of the relation takes another version.
+inline constexpr std::string_view kFormula =
+    "tof-mass sqrt(m) = A (t - t0) + Legendre P2..P7 over window, version 1";
 
 // Index of a coefficient in the record.
 inline constexpr std::size_t kA = 0;

@@ -42,9 +42,10 @@ std::vector<std::string> KeysOf(const ordered_json& json) {
 
 TEST(JsonReport, HasEveryKeyInItsOrder) {
   const auto json = ordered_json::parse(JsonOf(GoodReport()));
-  EXPECT_THAT(KeysOf(json), ElementsAre("ok", "status", "skipped", "aic", "masses", "coefficients",
-                                        "terms", "rms_ppm", "max_ppm", "loo_ppm", "counts",
-                                        "instrument_seconds", "wall_seconds", "files"));
+  EXPECT_THAT(KeysOf(json),
+              ElementsAre("ok", "status", "skipped", "aic", "masses", "date", "formula",
+                          "window_ns", "coefficients", "terms", "rms_ppm", "max_ppm", "loo_ppm",
+                          "counts", "instrument_seconds", "wall_seconds", "files"));
   EXPECT_THAT(KeysOf(json["status"]), ElementsAre("number", "message"));
   EXPECT_THAT(KeysOf(json["masses"][0]), ElementsAre("expected", "time_ns", "calculated",
                                                      "error_ppm", "voltage", "abundance"));
