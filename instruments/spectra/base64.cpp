@@ -10,9 +10,10 @@ namespace {
 
 constexpr std::uint32_t kInvalid = 0x8000'0000;  // stays visible when four digits are combined
 
+constexpr std::string_view kAlphabet =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
 constexpr std::array<std::uint32_t, 256> MakeDigits() {
-  constexpr std::string_view kAlphabet =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::array<std::uint32_t, 256> digits{};
   digits.fill(kInvalid);
   for (std::uint32_t i = 0; i < kAlphabet.size(); ++i) {
@@ -75,6 +76,21 @@ std::optional<std::string> DecodeBase64(std::string_view text) {
   std::copy_if(text.begin(), text.end(), std::back_inserter(compact),
                [](char c) { return !IsWhiteSpace(c); });
   return DecodeCompact(compact);
+}
+
+std::string EncodeBase64(std::string_view bytes) {
+  std::string text((bytes.size() + 2) / 3 * 4, '=');
+  char* to = text.data();
+  for (std::size_t i = 0; i < bytes.size(); i += 3, to += 4) {
+    const std::size_t count = std::min<std::size_t>(3, bytes.size() - i);
+    std::uint32_t bits = 0;
+    for (std::size_t k = 0; k < count; ++k) {
+      bits |= static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[i + k])) << (16 - 8 * k);
+    }
+    // One byte fills two digits, two fill three; the others stay padding.
+    for (std::size_t k = 0; k <= count; ++k) to[k] = kAlphabet[bits >> (18 - 6 * k) & 0x3F];
+  }
+  return text;
 }
 
 }  // namespace tof::spectra

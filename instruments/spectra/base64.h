@@ -11,4 +11,7 @@ namespace tof::spectra {
 // character, or isn't a whole number of padded groups of four.
 std::optional<std::string> DecodeBase64(std::string_view text);
 
+// `bytes` as one line of padded groups of four.
+std::string EncodeBase64(std::string_view bytes);
+
 }  // namespace tof::spectra

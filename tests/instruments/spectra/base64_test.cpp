@@ -16,6 +16,10 @@ TEST_P(Base64Vectors, Decode) {
   EXPECT_EQ(DecodeBase64(GetParam().text), GetParam().bytes);
 }
 
+TEST_P(Base64Vectors, Encode) {
+  EXPECT_EQ(EncodeBase64(GetParam().bytes), GetParam().text);
+}
+
 // The test vectors of RFC 4648, section 10.
 INSTANTIATE_TEST_SUITE_P(Rfc4648, Base64Vectors,
                          testing::Values(Vector{"", ""}, Vector{"Zg==", "f"}, Vector{"Zm8=", "fo"},
@@ -25,6 +29,7 @@ INSTANTIATE_TEST_SUITE_P(Rfc4648, Base64Vectors,
 
 TEST(Base64, DecodesBytesAboveAscii) {
   EXPECT_EQ(DecodeBase64("/+7d"), "\xff\xee\xdd");
+  EXPECT_EQ(EncodeBase64("\xff\xee\xdd"), "/+7d");
 }
 
 TEST(Base64, IgnoresWhiteSpace) {
