@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <fstream>
 #include <system_error>
 
 #include "instruments/spectra/input_error.h"
@@ -28,15 +27,22 @@ std::optional<Number> ParseWhole(std::string_view text) {
 
 }  // namespace
 
+std::ifstream OpenForReading(const std::filesystem::path& path) {
+  errno = 0;
+  std::ifstream in(path, std::ios::binary);
+  std::error_code no_status;
+  if (in && std::filesystem::is_directory(path, no_status)) {
+    throw InputError({path.string()}, "a folder", "a readable file");
+  }
+  if (in) return in;
+  throw InputError({path.string()}, std::generic_category().message(errno), "a readable file");
+}
+
 std::string ReadWholeFile(const std::filesystem::path& path) {
   std::error_code error;
   const std::uintmax_t size = std::filesystem::file_size(path, error);
   if (error) throw InputError({path.string()}, error.message(), "a readable file");
-  errno = 0;
-  std::ifstream in(path, std::ios::binary);
-  if (!in) {
-    throw InputError({path.string()}, std::generic_category().message(errno), "a readable file");
-  }
+  std::ifstream in = OpenForReading(path);
   std::string text(static_cast<std::size_t>(size), '\0');
   in.read(text.data(), static_cast<std::streamsize>(size));
   if (static_cast<std::uintmax_t>(in.gcount()) != size) {

@@ -3,11 +3,16 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace tof::spectra {
+
+// A file to be read piece by piece. Raises an InputError when it can't be opened; whether it could
+// be read to its end is for the caller to ask (bad()).
+std::ifstream OpenForReading(const std::filesystem::path& path);
 
 // The bytes of a regular file. Raises an InputError when it can't be read to its end.
 std::string ReadWholeFile(const std::filesystem::path& path);
