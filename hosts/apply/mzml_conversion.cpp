@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <optional>
 #include <pugixml.hpp>
+#include <sstream>
 #include <string_view>
 #include <unordered_map>
 
@@ -28,17 +29,21 @@ class Output {
 
   void Write(std::string_view bytes) {
     sink_(bytes);
-    checksum_.Add(bytes);
     count_ += bytes.size();
+    if (!is_summed_up_) checksum_.Add(bytes);
   }
   std::uint64_t Count() const { return count_; }
-  // Of all that was written so far.
-  std::string Checksum() { return checksum_.Digest(); }
+  // Of all that was written so far. Asked for once: a file has one checksum.
+  std::string Checksum() {
+    is_summed_up_ = true;
+    return checksum_.Digest();
+  }
 
  private:
   const Sink& sink_;
   Sha1 checksum_;
   std::uint64_t count_ = 0;
+  bool is_summed_up_ = false;
 };
 
 void AddTerm(pugi::xml_node node, const char* accession, const char* name, const char* value) {
@@ -91,9 +96,16 @@ std::string WithEntry(const std::string& list, pugi::xml_node entry) {
   std::string start_text = AsciiXml(tag, "");
   start_text.replace(start_text.rfind('/'), std::string::npos, ">");
 
-  const std::size_t end_tag = list.rfind("</");
-  return Spliced(list,
-                 {{0, EndOfTag(list, 0), start_text}, {end_tag, end_tag, AsciiXml(entry, "  ")}});
+  // Laid out like the last child, behind it.
+  const std::size_t behind = list.find_last_not_of(" \t\r\n", list.rfind("</") - 1) + 1;
+  const std::size_t last = BeginOf(root.last_child());
+  const std::size_t indent = list.find_last_not_of(" \t", last - 1) + 1;
+  std::string entry_text;
+  std::istringstream lines(AsciiXml(entry, "\t"));
+  for (std::string line; std::getline(lines, line);) {
+    entry_text += '\n' + list.substr(indent, last - indent) + line;
+  }
+  return Spliced(list, {{0, EndOfTag(list, 0), start_text}, {behind, behind, entry_text}});
 }
 
 std::string ValueOf(const Attributes& attributes, std::string_view name) {

@@ -186,6 +186,38 @@ void DeclareFit(OptionTable& table, FitOptions& options) {
   DeclareJson(table, options.json_file);
 }
 
+masstime::AcquisitionWindow WindowOption(const std::string& text) {
+  const std::size_t comma = text.find(',');
+  const auto start = spectra::ParseDouble(std::string_view(text).substr(0, comma));
+  const auto end = comma == std::string::npos
+                       ? std::nullopt
+                       : spectra::ParseDouble(std::string_view(text).substr(comma + 1));
+  if (start && end && *start < *end) return {*start, *end};
+  throw InputError({"--window"}, Quoted(text), "START,END in ns, START < END");
+}
+
+void DeclareApply(OptionTable& table, ApplyOptions& options) {
+  table.Text("--coefficients", "FILE", "The JSON result of calibrate or fit, or a calibration log",
+             options.coefficients);
+  table.Text("--spectrum", "FILE", "Spectrum: text of two columns (time_ns intensity) or .mzML",
+             options.spectrum);
+  table.Text("--output", "FILE", "The spectrum with m/z, in the same format", options.output);
+  table.Value("--run", "N", "Which fit of a calibration log, from 1 (default: the last one)",
+              [&options](const std::string& text) {
+                options.run =
+                    WholeNumberOption("--run", text, 1, std::numeric_limits<std::int32_t>::max());
+              });
+  table.Value("--window", "START,END",
+              "Acquisition window in ns that the terms of a calibration log belong to",
+              [&options](const std::string& text) { options.window = WindowOption(text); });
+  DeclareJson(table, options.json_file);
+}
+
+void CheckApply(const ApplyOptions& options) {
+  if (!options.coefficients.empty() && !options.spectrum.empty() && !options.output.empty()) return;
+  throw UsageError("apply: needs --coefficients, --spectrum and --output");
+}
+
 void CheckFit(const FitOptions& options) {
   const bool with_spectrum = !options.spectrum.empty();
   if (options.pairs_file.empty() != with_spectrum) {
@@ -237,6 +269,11 @@ Command ParseCommandLine(int argc, const char* const* argv) {
   OptionTable fit_table(fit);
   DeclareFit(fit_table, fit_options);
 
+  CLI::App& apply = *app.add_subcommand("apply", "Turns a spectrum's flight times into m/z");
+  ApplyOptions apply_options;
+  OptionTable apply_table(apply);
+  DeclareApply(apply_table, apply_options);
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
@@ -259,8 +296,13 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     check_table.StoreValues();
     return check_options;
   }
+  if (apply.parsed()) {
+    apply_table.StoreValues();
+    CheckApply(apply_options);
+    return apply_options;
+  }
   if (!fit.parsed()) {
-    throw UsageError("nothing to do: expected calibrate, replay, check-instrument or fit");
+    throw UsageError("nothing to do: expected calibrate, replay, check-instrument, fit or apply");
   }
   fit_table.StoreValues();
   CheckFit(fit_options);

@@ -7,6 +7,7 @@
 
 #include "hosts/cli/command_line.h"
 #include "hosts/cli/exit_code.h"
+#include "hosts/cli/run_apply.h"
 #include "hosts/cli/run_calibrate.h"
 #include "hosts/cli/run_check_instrument.h"
 #include "hosts/cli/run_fit.h"
@@ -28,6 +29,10 @@ tof::cli::Terminal StandardStreams() {
 
 ExitCode Run(const tof::cli::FitOptions& options) {
   return tof::cli::RunFit(options, std::cout, std::cerr);
+}
+
+ExitCode Run(const tof::cli::ApplyOptions& options) {
+  return tof::cli::RunApply(options, {std::cout, std::cerr, isatty(STDERR_FILENO) != 0});
 }
 
 ExitCode Run(const tof::cli::CalibrateOptions& options) {

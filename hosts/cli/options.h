@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "instruments/masstime/mass_time_model.h"
+
 namespace tof::cli {
 
 // The `nth` call of an operation fails, e.g. "SpecParser.FindPeaks", 2.
@@ -61,6 +63,15 @@ struct FitOptions {
   int weighting = 0;                  // as in the calibration information record
   std::optional<int> terms;  // number of terms beyond A and t0; none: chosen by leave-one-out
   std::string json_file;     // "-": standard output
+};
+
+struct ApplyOptions {
+  std::string coefficients;  // a JSON result, or a calibration log
+  std::string spectrum;
+  std::string output;
+  std::optional<int> run;                             // which fit of a log, from 1; none: the last
+  std::optional<masstime::AcquisitionWindow> window;  // that the terms of a log belong to
+  std::string json_file;                              // "-": standard output
 };
 
 }  // namespace tof::cli

@@ -48,9 +48,19 @@ OutputFile::~OutputFile() {
   std::filesystem::remove(part_, nothing_to_do_about_it);
 }
 
-void OutputFile::Commit(const std::string& content) {
+void OutputFile::Write(std::string_view part) {
   errno = 0;
-  file_ << content;
+  file_ << part;
+  if (!file_) Fail();
+}
+
+void OutputFile::Commit(const std::string& content) {
+  Write(content);
+  Commit();
+}
+
+void OutputFile::Commit() {
+  errno = 0;
   file_.close();
   if (!file_) Fail();
   if (part_ != path_ && std::rename(part_.c_str(), path_.c_str()) != 0) Fail();

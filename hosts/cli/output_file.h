@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tof::cli {
@@ -23,7 +24,11 @@ class OutputFile {
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
-  // Writes `content` and gives the file its name. Raises an InputError, e.g. when the disk is full.
+  // Writes a part of the content. Raises an InputError, e.g. when the disk is full.
+  void Write(std::string_view part);
+  // Gives the file its name. Raises an InputError.
+  void Commit();
+  // Both at once.
   void Commit(const std::string& content);
 
  private:

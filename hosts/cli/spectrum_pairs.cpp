@@ -1,10 +1,10 @@
 #include "hosts/cli/spectrum_pairs.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <optional>
 #include <utility>
 
+#include "hosts/cli/spectrum_format.h"
 #include "instruments/peaks/peak_finder.h"
 #include "instruments/spectra/mzml_reader.h"
 #include "instruments/spectra/text_reader.h"
@@ -13,11 +13,7 @@ namespace tof::cli {
 namespace {
 
 spectra::Spectrum ReadSpectrum(const std::filesystem::path& path) {
-  std::string extension = path.extension().string();
-  std::transform(extension.begin(), extension.end(), extension.begin(), [](char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  });
-  if (extension != ".mzml") return spectra::ReadTextSpectrum(path);
+  if (!IsMzml(path)) return spectra::ReadTextSpectrum(path);
   return std::move(spectra::ReadMzml(path, spectra::WhichSpectra::kFirst).front());
 }
 
