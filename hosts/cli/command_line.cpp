@@ -72,6 +72,11 @@ class OptionTable {
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   }
+  // Whatever stands without an option's name.
+  void Texts(const std::string& name, const std::string& placeholder, const std::string& help,
+             std::vector<std::string>& texts) {
+    app_.add_option(name, texts, help)->type_name(placeholder);
+  }
   void Flag(const std::string& name, const std::string& help, bool& flag) {
     app_.add_flag(name, flag, help);
   }
@@ -218,6 +223,37 @@ void CheckApply(const ApplyOptions& options) {
   throw UsageError("apply: needs --coefficients, --spectrum and --output");
 }
 
+drift::Period PeriodOption(const std::string& text) {
+  if (text == "run") return drift::Period::kRun;
+  if (text == "day") return drift::Period::kDay;
+  if (text == "month") return drift::Period::kMonth;
+  if (text == "year") return drift::Period::kYear;
+  throw InputError({"--by"}, Quoted(text), "run, day, month or year");
+}
+
+void DeclareDrift(OptionTable& table, DriftOptions& options) {
+  table.Texts("files", "FILE.csv|LABEL=FILE.csv",
+              "Data-set files; those of one LABEL are of one instrument", options.files);
+  drift::AnalysisOptions& analysis = options.analysis;
+  table.Value("--by", "run|day|month|year",
+              "A line of the table (default: the shortest that makes 31 lines or fewer)",
+              [&analysis](const std::string& text) { analysis.period = PeriodOption(text); });
+  table.Value("--jump-sigmas", "X",
+              "A jump is so many robust deviations of the steps from run to run (default: 6)",
+              [&analysis](const std::string& text) {
+                analysis.jump_sigmas = PositiveNumberOption("--jump-sigmas", text);
+              });
+  table.Value("--jump-ppm", "X", "and in flight time larger than this (default: 5)",
+              [&analysis](const std::string& text) {
+                analysis.jump_ppm = PositiveNumberOption("--jump-ppm", text);
+              });
+  table.Value("--jump-percent", "X", "or in abundance larger than this (default: 50)",
+              [&analysis](const std::string& text) {
+                analysis.jump_percent = PositiveNumberOption("--jump-percent", text);
+              });
+  DeclareJson(table, options.json_file);
+}
+
 void CheckFit(const FitOptions& options) {
   const bool with_spectrum = !options.spectrum.empty();
   if (options.pairs_file.empty() != with_spectrum) {
@@ -274,6 +310,12 @@ Command ParseCommandLine(int argc, const char* const* argv) {
   OptionTable apply_table(apply);
   DeclareApply(apply_table, apply_options);
 
+  CLI::App& drift = *app.add_subcommand(
+      "drift", "Shows how flight times and abundances drift over many calibrations");
+  DriftOptions drift_options;
+  OptionTable drift_table(drift);
+  DeclareDrift(drift_table, drift_options);
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
@@ -301,8 +343,13 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     CheckApply(apply_options);
     return apply_options;
   }
+  if (drift.parsed()) {
+    drift_table.StoreValues();
+    if (drift_options.files.empty()) throw UsageError("drift: needs a data-set file");
+    return drift_options;
+  }
   if (!fit.parsed()) {
-    throw UsageError("nothing to do: expected calibrate, replay, check-instrument, fit or apply");
+    throw UsageError("nothing to do: expected calibrate, replay, check-instrument, fit, apply or drift");
   }
   fit_table.StoreValues();
   CheckFit(fit_options);

@@ -14,8 +14,8 @@ struct TextRequest {
   std::string text;
 };
 
-using Command =
-    std::variant<TextRequest, CalibrateOptions, ReplayOptions, CheckOptions, FitOptions, ApplyOptions>;
+using Command = std::variant<TextRequest, CalibrateOptions, ReplayOptions, CheckOptions, FitOptions,
+                             ApplyOptions, DriftOptions>;
 
 // A command line that can't be followed; the text says what and, where it is not obvious, what
 // would do.

@@ -10,6 +10,7 @@
 #include "hosts/cli/run_apply.h"
 #include "hosts/cli/run_calibrate.h"
 #include "hosts/cli/run_check_instrument.h"
+#include "hosts/cli/run_drift.h"
 #include "hosts/cli/run_fit.h"
 #include "hosts/cli/run_replay.h"
 #include "instruments/spectra/input_error.h"
@@ -33,6 +34,10 @@ ExitCode Run(const tof::cli::FitOptions& options) {
 
 ExitCode Run(const tof::cli::ApplyOptions& options) {
   return tof::cli::RunApply(options, {std::cout, std::cerr, isatty(STDERR_FILENO) != 0});
+}
+
+ExitCode Run(const tof::cli::DriftOptions& options) {
+  return tof::cli::RunDrift(options, {std::cout, std::cerr, isatty(STDERR_FILENO) != 0});
 }
 
 ExitCode Run(const tof::cli::CalibrateOptions& options) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "hosts/drift/analysis.h"
 #include "instruments/masstime/mass_time_model.h"
 
 namespace tof::cli {
@@ -72,6 +73,12 @@ struct ApplyOptions {
   std::optional<int> run;                             // which fit of a log, from 1; none: the last
   std::optional<masstime::AcquisitionWindow> window;  // that the terms of a log belong to
   std::string json_file;                              // "-": standard output
+};
+
+struct DriftOptions {
+  std::vector<std::string> files;  // paths of data-set files, or "LABEL=PATH"
+  drift::AnalysisOptions analysis;
+  std::string json_file;  // "-": standard output
 };
 
 }  // namespace tof::cli
