@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "hosts/cli/drift_report.h"
 #include "hosts/cli/table_cell.h"
 
@@ -56,18 +58,51 @@ std::string PeriodTable(const InstrumentDrift& instrument) {
   return text;
 }
 
+// The jumps of one quantity at one moment: what reaches all masses at once has another cause than
+// what reaches one of them.
+struct JointJump {
+  const Jump* first = nullptr;
+  std::size_t masses = 0;
+  double lowest = 0.0;
+  double highest = 0.0;
+};
+
+std::vector<JointJump> JointJumps(const std::vector<Jump>& jumps) {
+  std::vector<JointJump> joint;
+  for (const Jump& jump : jumps) {
+    const auto same = std::find_if(joint.rbegin(), joint.rend(), [&](const JointJump& one) {
+      return one.first->moment != jump.moment || one.first->quantity == jump.quantity;
+    });
+    if (same == joint.rend() || same->first->moment != jump.moment) {
+      joint.push_back({&jump, 1, jump.step, jump.step});
+      continue;
+    }
+    ++same->masses;
+    same->lowest = std::min(same->lowest, jump.step);
+    same->highest = std::max(same->highest, jump.step);
+  }
+  return joint;
+}
+
+std::string JumpLine(const JointJump& joint) {
+  const Jump& jump = *joint.first;
+  const bool is_time = jump.quantity == Quantity::kFlightTime;
+  const std::string where = joint.masses == 1 ? fmt::format("mass {}", jump.mass)
+                                              : fmt::format("{} masses", joint.masses);
+  const std::string range = joint.masses == 1 ? "" : fmt::format(" to {:+.2f}", joint.highest);
+  return fmt::format("  {} to {}: {}, {} {:+.2f}{} {}\n", drift::MomentText(jump.before),
+                     drift::MomentText(jump.moment), where, is_time ? "flight time" : "abundance",
+                     joint.lowest, range, is_time ? "ppm" : "%");
+}
+
 std::string JumpLines(const InstrumentDrift& instrument) {
   if (instrument.jumps.empty()) return "no jumps\n";
-  std::string text = fmt::format("{} jumps:\n", instrument.jumps.size());
-  std::size_t lines = 0;
-  for (const Jump& jump : instrument.jumps) {
-    if (++lines > kMostJumpLines) {
-      return text + fmt::format("  and {} more\n", instrument.jumps.size() - kMostJumpLines);
-    }
-    const bool is_time = jump.quantity == Quantity::kFlightTime;
-    text += fmt::format("  {} to {}: mass {}, {} {:+.2f} {}\n", drift::MomentText(jump.before),
-                        drift::MomentText(jump.moment), jump.mass,
-                        is_time ? "flight time" : "abundance", jump.step, is_time ? "ppm" : "%");
+  const std::vector<JointJump> joint = JointJumps(instrument.jumps);
+  std::string text = fmt::format("{} jumps:\n", joint.size());
+  for (std::size_t i = 0; i < std::min(joint.size(), kMostJumpLines); ++i)
+    text += JumpLine(joint[i]);
+  if (joint.size() > kMostJumpLines) {
+    text += fmt::format("  and {} more\n", joint.size() - kMostJumpLines);
   }
   return text;
 }
