@@ -1,7 +1,13 @@
 # libgcrypt, which brings no package file for CMake.
 find_path(Gcrypt_INCLUDE_DIR gcrypt.h)
-find_library(Gcrypt_LIBRARY gcrypt)
-find_library(GpgError_LIBRARY gpg-error)
+if(WIN32)
+  # A program needs the system's DLLs and no other.
+  find_library(Gcrypt_LIBRARY NAMES libgcrypt.a)
+  find_library(GpgError_LIBRARY NAMES libgpg-error.a)
+else()
+  find_library(Gcrypt_LIBRARY gcrypt)
+  find_library(GpgError_LIBRARY gpg-error)
+endif()
 include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(Gcrypt DEFAULT_MSG Gcrypt_LIBRARY GpgError_LIBRARY Gcrypt_INCLUDE_DIR)
 if(Gcrypt_FOUND AND NOT TARGET Gcrypt::Gcrypt)

@@ -75,8 +75,7 @@ AppliedCalibration FromResult(const std::string& text, const CalibrationChoice& 
   AppliedCalibration calibration;
   calibration.model.coefficients = CoefficientsOf(result, file);
   const auto formula =
-      Key(result, "formula", &json::is_string, file, spectra::Quoted(kFormulaText).c_str())
-          .get<std::string>();
+      Key(result, "formula", &json::is_string, file, '"' + kFormulaText + '"').get<std::string>();
   if (formula != kFormulaText) {
     throw InputError({file}, "coefficients of the formula \"" + formula + '"',
                      '"' + kFormulaText + '"');

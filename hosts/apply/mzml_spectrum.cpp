@@ -51,7 +51,7 @@ class SpectrumConverter {
     if (!times.array) return text_;
     axis_.CountSpectrum();
     for (const std::string_view term : kMzOfSpectrum) {
-      if (FindTerm(spectrum, groups_, term)) axis_.CountStaleTerm();
+      if (!FindTerm(spectrum, groups_, term).empty()) axis_.CountStaleTerm();
     }
     const std::string data = ConvertedData(spectrum, times);
     if (!data.empty()) ReplaceData(times.array.child("binary"), data);

@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <sstream>
+#include <string>
 
 namespace tof::apply {
 
@@ -54,7 +56,7 @@ std::string AsciiXml(pugi::xml_node node, const std::string& indent) {
              pugi::encoding_utf8);
   std::string ascii;
   for (const wchar_t c : pugi::as_wide(utf8.str())) {
-    const auto code = static_cast<std::uint32_t>(c);
+    const std::uint32_t code = std::char_traits<wchar_t>::to_int_type(c);
     const bool half_of_a_pair = code >= 0xD800 && code <= 0xDFFF;
     if (code < 0x80) {
       ascii += static_cast<char>(c);
