@@ -42,7 +42,7 @@ std::vector<double> ExpectedMasses(const CalibrateOptions& options,
 std::vector<std::filesystem::path> InputFiles(const InstrumentChoice& choice,
                                               const InstrumentDescription& description) {
   std::vector<std::filesystem::path> inputs;
-  if (!choice.instrument.empty()) inputs.emplace_back(choice.instrument);
+  if (!choice.instrument.empty()) inputs.push_back(choice.instrument);
   if (const auto* recorded = std::get_if<recorded::RecordedFiles>(&description.source)) {
     for (const recorded::RecordedFile& file : recorded->files) {
       inputs.push_back(choice.data_folder / file.path);

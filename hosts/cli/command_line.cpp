@@ -6,6 +6,7 @@
 #include "hosts/cli/masses.h"
 #include "instruments/spectra/input_error.h"
 #include "instruments/spectra/input_file.h"
+#include "instruments/spectra/utf8_path.h"
 
 namespace tof::cli {
 namespace {
@@ -64,6 +65,11 @@ class OptionTable {
             std::string& text) {
     app_.add_option(name, text, help)->type_name(placeholder);
   }
+  void Path(const std::string& name, const std::string& placeholder, const std::string& help,
+            std::filesystem::path& path) {
+    Value(name, placeholder, help,
+          [&path](const std::string& text) { path = spectra::PathOfUtf8(text); });
+  }
   void Repeatable(const std::string& name, const std::string& placeholder, const std::string& help,
                   std::vector<std::string>& texts) {
     app_.add_option(name, texts, help)
@@ -91,9 +97,9 @@ class OptionTable {
 };
 
 void DeclareInstrument(OptionTable& table, InstrumentChoice& choice) {
-  table.Text("--instrument", "FILE.xml", "The instrument (default: the built-in virtual one)",
+  table.Path("--instrument", "FILE.xml", "The instrument (default: the built-in virtual one)",
              choice.instrument);
-  table.Text("--data", "DIR", "Folder that a recorded instrument's file names are relative to",
+  table.Path("--data", "DIR", "Folder that a recorded instrument's file names are relative to",
              choice.data_folder);
   table.Value(
       "--masses", "M1,M2,...", "Expected masses (default: the instrument's calibrants)",
@@ -102,8 +108,8 @@ void DeclareInstrument(OptionTable& table, InstrumentChoice& choice) {
               [&choice](const std::string& text) { choice.base_folder = text; });
 }
 
-void DeclareJson(OptionTable& table, std::string& json_file) {
-  table.Text("--json", "FILE|-", "Writes the result for machines; - is standard output", json_file);
+void DeclareJson(OptionTable& table, std::filesystem::path& json_file) {
+  table.Path("--json", "FILE|-", "Writes the result for machines; - is standard output", json_file);
 }
 
 void DeclareRun(OptionTable& table, CalibrateOptions& options) {
@@ -147,25 +153,25 @@ void DeclareInstrumentChanges(OptionTable& table, InstrumentChoice& choice) {
 }
 
 void DeclareOutput(OptionTable& table, CalibrateOptions& options) {
-  table.Text("--trace", "FILE", "Writes the trace, one line a call", options.trace_file);
-  table.Text("--record", "FILE", "Keeps every call and answer, for tofcal replay",
+  table.Path("--trace", "FILE", "Writes the trace, one line a call", options.trace_file);
+  table.Path("--record", "FILE", "Keeps every call and answer, for tofcal replay",
              options.record_file);
-  table.Text("--timeline", "FILE.json",
+  table.Path("--timeline", "FILE.json",
              "Writes routines, spectra and setpoint writes on instrument time, for trace viewers",
              options.timeline_file);
   DeclareJson(table, options.json_file);
 }
 
 void DeclareReplay(OptionTable& table, ReplayOptions& options) {
-  table.Text("recording", "FILE", "What calibrate --record has written", options.recording);
+  table.Path("recording", "FILE", "What calibrate --record has written", options.recording);
   DeclareJson(table, options.json_file);
 }
 
 void DeclareFit(OptionTable& table, FitOptions& options) {
-  table.Text("pairs", "FILE", "Masses and times: two columns, mass time_ns", options.pairs_file);
+  table.Path("pairs", "FILE", "Masses and times: two columns, mass time_ns", options.pairs_file);
   table.Text("--masses", "FILE|M1,M2,...", "Masses whose peaks are sought in --spectrum",
              options.masses);
-  table.Text("--spectrum", "FILE", "Spectrum: text of two columns (time_ns intensity) or .mzML",
+  table.Path("--spectrum", "FILE", "Spectrum: text of two columns (time_ns intensity) or .mzML",
              options.spectrum);
   table.Value("--A", "X", "Where to look: A in sqrt(u) per ns",
               [&options](const std::string& text) {
@@ -202,11 +208,11 @@ masstime::AcquisitionWindow WindowOption(const std::string& text) {
 }
 
 void DeclareApply(OptionTable& table, ApplyOptions& options) {
-  table.Text("--coefficients", "FILE", "The JSON result of calibrate or fit, or a calibration log",
+  table.Path("--coefficients", "FILE", "The JSON result of calibrate or fit, or a calibration log",
              options.coefficients);
-  table.Text("--spectrum", "FILE", "Spectrum: text of two columns (time_ns intensity) or .mzML",
+  table.Path("--spectrum", "FILE", "Spectrum: text of two columns (time_ns intensity) or .mzML",
              options.spectrum);
-  table.Text("--output", "FILE", "The spectrum with m/z, in the same format", options.output);
+  table.Path("--output", "FILE", "The spectrum with m/z, in the same format", options.output);
   table.Value("--run", "N", "Which fit of a calibration log, from 1 (default: the last one)",
               [&options](const std::string& text) {
                 options.run =
@@ -349,7 +355,8 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     return drift_options;
   }
   if (!fit.parsed()) {
-    throw UsageError("nothing to do: expected calibrate, replay, check-instrument, fit, apply or drift");
+    throw UsageError(
+        "nothing to do: expected calibrate, replay, check-instrument, fit, apply or drift");
   }
   fit_table.StoreValues();
   CheckFit(fit_options);

@@ -5,8 +5,8 @@
 
 namespace tof::cli {
 
-// While it lives, SIGINT asks `instrument` for an abort, so that the calibration puts its setpoints
-// back; a second one ends the program as usual. One at a time.
+// While it lives, SIGINT (Windows: Ctrl-C and Ctrl-Break) asks `instrument` for an abort, so that
+// the calibration puts its setpoints back; a second one ends the program as usual. One at a time.
 class AbortOnInterrupt {
  public:
   explicit AbortOnInterrupt(standin::StandInInstrument& instrument);

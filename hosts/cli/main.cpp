@@ -1,11 +1,12 @@
 // The program tofcal.
-#include <unistd.h>
-
 #include <exception>
 #include <iostream>
+#include <string>
 #include <variant>
+#include <vector>
 
 #include "hosts/cli/command_line.h"
+#include "hosts/cli/console.h"
 #include "hosts/cli/exit_code.h"
 #include "hosts/cli/run_apply.h"
 #include "hosts/cli/run_calibrate.h"
@@ -25,7 +26,7 @@ ExitCode Run(const tof::cli::TextRequest& request) {
 }
 
 tof::cli::Terminal StandardStreams() {
-  return {std::cout, std::cerr, isatty(STDERR_FILENO) != 0};
+  return {std::cout, std::cerr, tof::cli::StandardErrorIsTerminal()};
 }
 
 ExitCode Run(const tof::cli::FitOptions& options) {
@@ -33,11 +34,11 @@ ExitCode Run(const tof::cli::FitOptions& options) {
 }
 
 ExitCode Run(const tof::cli::ApplyOptions& options) {
-  return tof::cli::RunApply(options, {std::cout, std::cerr, isatty(STDERR_FILENO) != 0});
+  return tof::cli::RunApply(options, StandardStreams());
 }
 
 ExitCode Run(const tof::cli::DriftOptions& options) {
-  return tof::cli::RunDrift(options, {std::cout, std::cerr, isatty(STDERR_FILENO) != 0});
+  return tof::cli::RunDrift(options, StandardStreams());
 }
 
 ExitCode Run(const tof::cli::CalibrateOptions& options) {
@@ -52,12 +53,20 @@ ExitCode Run(const tof::cli::CheckOptions& options) {
   return tof::cli::RunCheckInstrument(options, StandardStreams());
 }
 
+tof::cli::Command Parse(const std::vector<std::string>& arguments) {
+  std::vector<const char*> texts;
+  texts.reserve(arguments.size());
+  for (const std::string& argument : arguments) texts.push_back(argument.c_str());
+  return tof::cli::ParseCommandLine(static_cast<int>(texts.size()), texts.data());
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   try {
-    return std::visit([](const auto& request) { return Run(request); },
-                      tof::cli::ParseCommandLine(argc, argv));
+    const tof::cli::Console console;
+    const std::vector<std::string> arguments = tof::cli::ArgumentsInUtf8(argc, argv);
+    return std::visit([](const auto& request) { return Run(request); }, Parse(arguments));
   } catch (const tof::cli::UsageError& error) {
     std::cerr << "tofcal: " << error.what() << "\ntofcal --help shows what can be asked\n";
     return tof::cli::kBadInput;

@@ -6,6 +6,7 @@
 
 #include "instruments/spectra/input_error.h"
 #include "instruments/spectra/input_file.h"
+#include "instruments/spectra/utf8_path.h"
 
 namespace tof::cli {
 namespace {
@@ -79,11 +80,10 @@ std::vector<double> ParseMassList(std::string_view text, const std::string& sour
 }
 
 std::vector<double> MassesFromListOrFile(const std::string& list_or_path) {
+  const std::filesystem::path path = spectra::PathOfUtf8(list_or_path);
   std::error_code not_a_file;
-  if (!std::filesystem::exists(list_or_path, not_a_file)) {
-    return ParseMassList(list_or_path, "--masses");
-  }
-  const std::string text = spectra::ReadWholeFile(list_or_path);
+  if (!std::filesystem::exists(path, not_a_file)) return ParseMassList(list_or_path, "--masses");
+  const std::string text = spectra::ReadWholeFile(path);
   std::vector<double> masses;
   for (const Row& row : RowsOf(text, list_or_path)) {
     masses.push_back(MassOf(row[0].text, row[0].place));

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -19,8 +20,8 @@ struct FaultOption {
 
 // The instrument to work on. Anything left out is the description's own.
 struct InstrumentChoice {
-  std::string instrument;  // path of the description; empty: the built-in virtual instrument
-  std::string data_folder;
+  std::filesystem::path instrument;  // the description; empty: the built-in virtual instrument
+  std::filesystem::path data_folder;
   std::vector<double> masses;          // m/z, finite and positive; empty: the calibrant list
   std::vector<std::string> settings;   // "Section/Key=Value"
   std::vector<std::string> flags;      // "Key=Value"
@@ -38,47 +39,47 @@ struct CalibrateOptions : InstrumentChoice {
   bool manual = false;
   std::optional<double> trad_weighting;
   std::optional<double> peak_window;  // per cent of the flight time
-  std::string trace_file;
-  std::string record_file;    // empty: nothing is recorded
-  std::string timeline_file;  // empty: none
-  std::string json_file;      // "-": standard output
+  std::filesystem::path trace_file;
+  std::filesystem::path record_file;    // empty: nothing is recorded
+  std::filesystem::path timeline_file;  // empty: none
+  std::filesystem::path json_file;      // "-": standard output
 };
 
 struct CheckOptions : InstrumentChoice {
-  std::string json_file;  // "-": standard output
+  std::filesystem::path json_file;  // "-": standard output
 };
 
 struct ReplayOptions {
-  std::string recording;
-  std::string json_file;  // "-": standard output
+  std::filesystem::path recording;
+  std::filesystem::path json_file;  // "-": standard output
 };
 
 // Times come from `pairs_file`, or from the peaks of `spectrum` at `masses`.
 struct FitOptions {
-  std::string pairs_file;
+  std::filesystem::path pairs_file;
   std::string masses;  // a list, or the path of a file with one mass a line
-  std::string spectrum;
+  std::filesystem::path spectrum;
   std::optional<double> a_per_ns;  // where to look for the peaks
   std::optional<double> t0_ns;
   std::optional<double> peak_window;  // per cent of the flight time
   int weighting = 0;                  // as in the calibration information record
   std::optional<int> terms;  // number of terms beyond A and t0; none: chosen by leave-one-out
-  std::string json_file;     // "-": standard output
+  std::filesystem::path json_file;  // "-": standard output
 };
 
 struct ApplyOptions {
-  std::string coefficients;  // a JSON result, or a calibration log
-  std::string spectrum;
-  std::string output;
+  std::filesystem::path coefficients;  // a JSON result, or a calibration log
+  std::filesystem::path spectrum;
+  std::filesystem::path output;
   std::optional<int> run;                             // which fit of a log, from 1; none: the last
   std::optional<masstime::AcquisitionWindow> window;  // that the terms of a log belong to
-  std::string json_file;                              // "-": standard output
+  std::filesystem::path json_file;                    // "-": standard output
 };
 
 struct DriftOptions {
   std::vector<std::string> files;  // paths of data-set files, or "LABEL=PATH"
   drift::AnalysisOptions analysis;
-  std::string json_file;  // "-": standard output
+  std::filesystem::path json_file;  // "-": standard output
 };
 
 }  // namespace tof::cli

@@ -1,7 +1,6 @@
 #include "hosts/cli/output_file.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <system_error>
 #include <utility>
 
@@ -38,7 +37,7 @@ OutputFile::OutputFile(std::filesystem::path path) : path_(std::move(path)), par
   }
   errno = 0;
   file_.open(part_, std::ios::binary);
-  if (!file_) Fail();
+  if (!file_) Fail(std::generic_category().message(errno));
 }
 
 OutputFile::~OutputFile() {
@@ -51,7 +50,7 @@ OutputFile::~OutputFile() {
 void OutputFile::Write(std::string_view part) {
   errno = 0;
   file_ << part;
-  if (!file_) Fail();
+  if (!file_) Fail(std::generic_category().message(errno));
 }
 
 void OutputFile::Commit(const std::string& content) {
@@ -62,14 +61,17 @@ void OutputFile::Commit(const std::string& content) {
 void OutputFile::Commit() {
   errno = 0;
   file_.close();
-  if (!file_) Fail();
-  if (part_ != path_ && std::rename(part_.c_str(), path_.c_str()) != 0) Fail();
+  if (!file_) Fail(std::generic_category().message(errno));
+  if (part_ != path_) {
+    std::error_code error;
+    std::filesystem::rename(part_, path_, error);
+    if (error) Fail(error.message());
+  }
   committed_ = true;
 }
 
-void OutputFile::Fail() const {
-  throw spectra::InputError({path_.string()}, std::generic_category().message(errno),
-                            "a file that can be written");
+void OutputFile::Fail(const std::string& reason) const {
+  throw spectra::InputError({path_.string()}, reason, "a file that can be written");
 }
 
 }  // namespace tof::cli

@@ -32,7 +32,7 @@ class OutputFile {
   void Commit(const std::string& content);
 
  private:
-  [[noreturn]] void Fail() const;
+  [[noreturn]] void Fail(const std::string& reason) const;
 
   std::filesystem::path path_;
   std::filesystem::path part_;

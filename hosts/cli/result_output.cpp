@@ -4,7 +4,7 @@
 
 namespace tof::cli {
 
-ResultOutput::ResultOutput(const std::string& json_file, std::ostream& standard_output)
+ResultOutput::ResultOutput(const std::filesystem::path& json_file, std::ostream& standard_output)
     : standard_output_(standard_output), json_to_standard_output_(json_file == "-") {
   if (!json_file.empty() && !json_to_standard_output_) file_.emplace(json_file);
 }

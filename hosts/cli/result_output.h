@@ -14,7 +14,7 @@ namespace tof::cli {
 class ResultOutput {
  public:
   // Raises an InputError when the file can't be written.
-  ResultOutput(const std::string& json_file, std::ostream& standard_output);
+  ResultOutput(const std::filesystem::path& json_file, std::ostream& standard_output);
 
   // Raises an InputError when the result can't be written in full.
   template <class Report>

@@ -34,7 +34,7 @@ using description::InstrumentDescription;
 using spectra::InputError;
 
 // The trace is a file of the user's own choice, not one of the calibrator's logs.
-void RegisterTrace(const std::string& path, native::PortableHost& host) {
+void RegisterTrace(const std::filesystem::path& path, native::PortableHost& host) {
   if (path.empty()) return;
   const auto journal = std::make_shared<native::FileJournal>();
   try {
@@ -42,7 +42,7 @@ void RegisterTrace(const std::string& path, native::PortableHost& host) {
     host.RegisterObject(native::kTraceProgId,
                         [file] { return std::make_shared<native::TraceFile>(file); });
   } catch (const AutomationError&) {
-    throw InputError({path}, journal->last_failure->reason, "a file that can be written");
+    throw InputError({path.string()}, journal->last_failure->reason, "a file that can be written");
   }
 }
 

@@ -9,6 +9,7 @@
 #include "hosts/cli/spectrum_pairs.h"
 #include "instruments/masstime/choose_terms.h"
 #include "instruments/masstime/fit.h"
+#include "instruments/spectra/utf8_path.h"
 
 namespace tof::cli {
 namespace {
@@ -62,7 +63,8 @@ FitReport Fit(SpectrumPairs input, const FitOptions& options) {
 
 ExitCode RunFit(const FitOptions& options, std::ostream& out, std::ostream& err) {
   SpectrumPairs input = ReadInput(options);
-  RequireNotAnInput(options.json_file, {options.pairs_file, options.masses, options.spectrum});
+  RequireNotAnInput(options.json_file,
+                    {options.pairs_file, spectra::PathOfUtf8(options.masses), options.spectrum});
   ResultOutput output(options.json_file, out);
   try {
     output.Deliver(Fit(std::move(input), options));

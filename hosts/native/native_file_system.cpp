@@ -4,13 +4,14 @@
 #include <system_error>
 
 #include "hosts/native/text_file.h"
+#include "instruments/spectra/utf8_path.h"
 
 namespace tof::native {
 
 std::filesystem::path NativePath(const std::string& path) {
   std::string translated = path;
   std::replace(translated.begin(), translated.end(), '\\', '/');
-  return {translated};
+  return spectra::PathOfUtf8(translated);
 }
 
 bool NativeFileSystem::FileExists(const std::string& path) {

@@ -7,12 +7,21 @@
 #include "hosts/native/text_encoding.h"
 
 namespace tof::native {
+namespace {
+
+std::FILE* Open(const std::filesystem::path& path, OpenMode mode) {
+#ifdef _WIN32
+  return _wfopen(path.c_str(), mode == OpenMode::kAppend ? L"ab" : L"wb");
+#else
+  return std::fopen(path.c_str(), mode == OpenMode::kAppend ? "ab" : "wb");
+#endif
+}
+
+}  // namespace
 
 TextFile::TextFile(const std::filesystem::path& path, OpenMode mode,
                    std::shared_ptr<FileJournal> journal)
-    : path_(path.string()),
-      journal_(std::move(journal)),
-      file_(std::fopen(path_.c_str(), mode == OpenMode::kAppend ? "ab" : "wb")) {
+    : path_(path.string()), journal_(std::move(journal)), file_(Open(path, mode)) {
   if (!file_) Fail();
   // Without a buffer a line is one write, and its failure is known at once.
   std::setvbuf(file_.get(), nullptr, _IONBF, 0);

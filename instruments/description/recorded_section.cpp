@@ -2,12 +2,14 @@
 
 #include <string>
 
+#include "instruments/spectra/utf8_path.h"
+
 namespace tof::description {
 namespace {
 
 recorded::RecordedFile ReadFile(const XmlElement& element) {
   recorded::RecordedFile file;
-  file.path = element.Text("file");
+  file.path = spectra::PathOfUtf8(element.Text("file"));
   if (file.path.empty()) element.FailAt("file", "the name of a file");
 
   const std::string format = element.TextOr("format", "text");

@@ -56,7 +56,8 @@ ErrorFigures Summarize(std::span<const double> errors_ppm) {
     rest += (error - figures.common_ppm) * (error - figures.common_ppm);
   }
   figures.mass_dependent_ppm = std::sqrt(rest / count);
-  figures.rms_ppm = std::hypot(figures.common_ppm, figures.mass_dependent_ppm);
+  // Not std::hypot, which the C libraries round differently.
+  figures.rms_ppm = std::sqrt(figures.common_ppm * figures.common_ppm + rest / count);
   return figures;
 }
 

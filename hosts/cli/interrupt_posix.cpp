@@ -1,7 +1,7 @@
-#include "hosts/cli/interrupt.h"
-
 #include <atomic>
 #include <csignal>
+
+#include "hosts/cli/interrupt.h"
 
 namespace tof::cli {
 namespace {
