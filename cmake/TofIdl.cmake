@@ -23,7 +23,7 @@ function(tof_idl name)
   add_custom_command(
     OUTPUT "${folder}/${stem}.tlb" "${folder}/${stem}.h"
     COMMAND ${widl} -t -o "${folder}/${stem}.tlb" "${source}"
-    COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/tools/mend_type_library" "${folder}/${stem}.tlb"
+    COMMAND Python3::Interpreter "${PROJECT_SOURCE_DIR}/tools/mend_type_library" "${folder}/${stem}.tlb" "${source}"
     COMMAND ${widl} -h -o "${folder}/${stem}.h" "${source}"
     DEPENDS "${source}" "${PROJECT_SOURCE_DIR}/tools/mend_type_library" ${import_files}
     VERBATIM)

@@ -130,6 +130,10 @@ TEST_F(TypeLibrary, NamesTheLibraryTheClassAndItsTwoInterfaces) {
   Bstr name;
   library->GetDocumentation(-1, name.Out(), nullptr, nullptr, nullptr);
   EXPECT_EQ(name.Text(), "vorntofcaliblib");
+  TLIBATTR* identity = nullptr;
+  library->GetLibAttr(&identity);
+  EXPECT_EQ(identity->guid, LIBID_vorntofcaliblib);
+  library->ReleaseTLibAttr(identity);
   const auto type = TypeNamed(*library.get(), "TofCalibrator");
   TYPEATTR* attributes = nullptr;
   type->GetTypeAttr(&attributes);
