@@ -165,6 +165,9 @@ HRESULT ControlObject::get_Masses(VARIANT* masses) {
   return Do(
       [&] { *masses = VariantsOf(description::CalibrantMasses(process_->Choice().description)); });
 }
+HRESULT ControlObject::AsVariants(VARIANT numbers, VARIANT* variants) {
+  return Do([&] { *variants = VariantsOf(MassesFromCaller(FromVariant(numbers))); });
+}
 
 HRESULT ControlObject::RequestAbort() {
   return Do([&] { Instrument().RequestAbort(); });

@@ -25,6 +25,7 @@ class ControlObject final : public DualObject<ControlObject, IInstrumentControl>
   HRESULT STDMETHODCALLTYPE put_RealTime(VARIANT_BOOL real_time) override;
   HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) override;
   HRESULT STDMETHODCALLTYPE get_Masses(VARIANT* masses) override;
+  HRESULT STDMETHODCALLTYPE AsVariants(VARIANT numbers, VARIANT* variants) override;
 
   HRESULT STDMETHODCALLTYPE RequestAbort() override;
   HRESULT STDMETHODCALLTYPE WithdrawAbort() override;
