@@ -165,6 +165,44 @@ TEST_F(Arguments, TooManyTooFewOrUnknownAreRefused) {
             DISP_E_MEMBERNOTFOUND);
 }
 
+// By-reference arguments of a type that no number of spectra can be.
+TEST_F(Arguments, OfAWrongTypeByReferenceAreRefused) {
+  const OwnedVariant masses = Masses();
+  const OwnedVariant text = OwnedVariant::Of(std::string_view("ten"));
+  const OwnedVariant array = ToVariant(BoundedArray<double>(0, 3));
+  BSTR word = V_BSTR(&text.get());
+  IDispatch* object = calibrator.get();
+  IDispatch* nothing = nullptr;
+  SAFEARRAY* elements = V_ARRAY(&array.get());
+  SAFEARRAY* no_elements = nullptr;
+  const std::pair<VARTYPE, void*> kReferences[] = {{VT_BSTR, &word},
+                                                   {VT_DISPATCH, &object},
+                                                   {VT_UNKNOWN, &object},
+                                                   {VT_ARRAY | VT_R8, &elements},
+                                                   {VT_DISPATCH, &nothing},
+                                                   {VT_ARRAY | VT_R8, &no_elements},
+                                                   {VT_I2, nullptr},
+                                                   {VT_BSTR, nullptr},
+                                                   {VT_VARIANT, nullptr},
+                                                   {VT_ARRAY | VT_VARIANT, nullptr},
+                                                   {VT_VARIANT | VT_ARRAY, &no_elements}};
+  for (const auto& [type, place] : kReferences) {
+    VARIANT reference;
+    VariantInit(&reference);
+    V_VT(&reference) = static_cast<VARTYPE>(VT_BYREF | type);
+    V_BYREF(&reference) = place;
+    SCOPED_TRACE("type " + std::to_string(V_VT(&reference)) + (place == nullptr ? ", null" : ""));
+    const HRESULT as_spectra = CallByName(*calibrator.get(), L"GetAveragedTimesForCalibration",
+                                          {masses.get(), reference, Boolean(false)})
+                                   .result;
+    EXPECT_TRUE(FAILED(as_spectra));
+    // As masses they are no error of the call: the averages are Empty.
+    const CallOutcome as_masses = AverageWith(reference);
+    EXPECT_TRUE(FAILED(as_masses.result) || V_VT(&as_masses.value.get()) == VT_EMPTY);
+  }
+  EXPECT_EQ(EventOf(masses.get()).first, 0) << "harmed by what it refused";
+}
+
 TEST_F(Arguments, OfAProgramMayBeNullWhereTheyAreOptional) {
   const OwnedVariant masses = Masses();
   VARIANT averaged;
@@ -251,6 +289,10 @@ const std::vector<MassForm> kForms = {
        V_VT(&v) = VT_ARRAY | VT_R8;
        V_ARRAY(&v) = nullptr;
        return OwnedVariant(v);
+     }},
+    {"AMillionTexts", 6,
+     [](const auto&) {
+       return ArrayOf(VT_BSTR, 1'000'000, 0, [](SAFEARRAY*, LONG, std::size_t) {});
      }},
     {"AMillion", 6, [](const auto&) { return ToVariant(BoundedArray<double>(0, 999999)); }},
 };

@@ -4,6 +4,7 @@
 
 #include "component/calibrator/tof_calibrator.h"
 #include "component/trace/trace.h"
+#include "hosts/com/automation/text_stream.h"
 #include "tests/com/com_world.h"
 #include "tests/component/whole_run/aic_ways.h"
 #include "tests/support/calibration_fixture.h"
@@ -127,6 +128,29 @@ TEST_F(CalibrationThroughCom, WritesItsFilesWithTheScriptingFileSystem) {
   // Every line ends in CR LF.
   EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), std::count(log.begin(), log.end(), '\r'));
   EXPECT_THAT(LogFile("TuneReportCalibData.txt"), HasSubstr("\r\n"));
+}
+
+TEST_F(CalibrationThroughCom, WritesItsFilesBelowAFolderOfAnyName) {
+  RegisterInstrument();
+  const std::filesystem::path parent = base_folder;
+  base_folder /= std::filesystem::path(u8"Me\u00dfreihe \u0394\u03b4 \u6e2c\u5b9a");
+  std::filesystem::create_directories(base_folder / "Logfiles");
+  instrument.base_folder = Utf8(base_folder.wstring());
+  {
+    const auto calibrator = Created();
+    ComPtr<IMassCalCoefficients> coefficients;
+    EXPECT_EQ(Calibrate(*calibrator.get(), coefficients), S_OK);
+    EXPECT_TRUE(coefficients);
+  }
+  EXPECT_EQ(dll.CanUnloadNow(), S_OK);
+  EXPECT_THAT(LogFile("CalibrationLog_"), HasSubstr("GainChannel[1]\r\n"));
+  base_folder = parent;
+}
+
+TEST_F(CalibrationThroughCom, WritesTextOfOneByteACharacter) {
+  const std::filesystem::path file = base_folder / "Logfiles" / "text";
+  ScriptingFileSystem().CreateTextFile(Utf8(file.wstring()))->WriteLine("0.25 \u00b5s \u00df");
+  EXPECT_EQ(LogFile("text"), "0.25 \xB5s \xDF\r\n");
 }
 
 TEST_F(CalibrationThroughCom, ReportsAMissingFileFolderAsTheErrorOfTheCalibration) {

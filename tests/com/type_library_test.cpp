@@ -1,6 +1,11 @@
 // The type libraries as Windows reads them: what the tool that makes them writes wrongly, it writes
 // silently.
 
+#include "hosts/com/automation/windows_headers.h"
+
+// The identities are defined in this file.
+#include <initguid.h>
+
 #include <algorithm>
 #include <cctype>
 #include <string>

@@ -66,7 +66,7 @@ HRESULT DispatchArguments::Place(const DISPPARAMS& given, UINT* bad_argument) {
   const auto place = [&](std::size_t parameter, UINT argument) {
     VARIANT* value = &given.rgvarg[argument];
     Slot& slot = slots_[parameter];
-    while (V_VT(value) == (VT_BYREF | VT_VARIANT)) {
+    while (V_VT(value) == (VT_BYREF | VT_VARIANT) && V_VARIANTREF(value) != nullptr) {
       slot.is_variable = true;
       value = V_VARIANTREF(value);
     }
