@@ -4,7 +4,7 @@
 
 #include "component/automation/convert.h"
 #include "component/automation/error.h"
-#include "hosts/native/native_file_system.h"
+#include "hosts/com/automation/text.h"
 #include "instruments/spectra/input_error.h"
 #include "instruments/standin/instrument_access.h"
 
@@ -38,12 +38,11 @@ HostedInstrument::HostedInstrument(const InstrumentChoice& choice)
                   std::shared_ptr<spectra::InstrumentClock>(host_, host_->clock.get())) {}
 
 void HostedInstrument::MakeLogFolder() const {
-  const std::filesystem::path folder =
-      native::NativePath(instrument_.State().description.base_folder) / "Logfiles";
+  const std::string folder = instrument_.State().description.base_folder + "\\Logfiles";
   std::error_code error;
-  std::filesystem::create_directories(folder, error);
+  std::filesystem::create_directories(Wide(folder), error);
   if (!error) return;
-  throw spectra::InputError({folder.string()}, error.message(), "a folder that can be made");
+  throw spectra::InputError({folder}, error.message(), "a folder that can be made");
 }
 
 float HostedInstrument::SearchTargetAbundance(const Search& search) {

@@ -173,6 +173,25 @@ TEST_F(InstrumentControlObject, ListsTheLogFilesThatTheInstrumentOpened) {
   EXPECT_EQ(written.begin()->second, "the header\r\na line \xE4\r\n");
 }
 
+TEST_F(InstrumentControlObject, TakesAFolderWithAnyLettersInItsName) {
+  const std::filesystem::path folder = base_folder / L"Me\u00DFwerte \u03A9";
+  control->PutProperty("BaseFolder", OwnedVariant::Of(Utf8(folder.wstring()).c_str()));
+  EXPECT_TRUE(CalibrateShortly().coefficients);
+  EXPECT_EQ(CanUnloadCalibrator(), S_OK);  // which closes its log
+  EXPECT_EQ(FilesIn(folder / "Logfiles").size(), 3U);
+}
+
+TEST_F(InstrumentControlObject, SaysWhichFolderCanNotBeMade) {
+  control->PutProperty("BaseFolder", OwnedVariant::Of("?:\\nowhere"));
+  try {
+    CreateDispatchObject("vorninstrument.DataDictionary");
+    FAIL() << "it was created";
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.number(), 5);
+    EXPECT_THAT(error.description(), HasSubstr("nowhere\\Logfiles"));
+  }
+}
+
 TEST_F(InstrumentControlObject, TellsTheTrueErrorsOfAVirtualInstrument) {
   const CalibrationResult result = CalibrateShortly();
   ASSERT_TRUE(result.coefficients);
