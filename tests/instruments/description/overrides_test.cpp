@@ -94,8 +94,11 @@ TEST_F(Overrides, RefuseCalibrantsThatAreNoMasses) {
   const auto before = CalibrantMasses(description_);
   EXPECT_EQ(InputErrorOf([&] { OverrideCalibrants(description_, {}); }),
             "override of the calibrants: found no masses, expected one or more");
-  EXPECT_EQ(InputErrorOf([&] { OverrideCalibrants(description_, {100.0, -1.0}); }),
-            "override of the calibrants: found the mass -1.000000, expected finite, positive masses");
+  EXPECT_EQ(
+      InputErrorOf([&] {
+        OverrideCalibrants(description_, {100.0, -1.0});
+      }),
+      "override of the calibrants: found the mass -1.000000, expected finite, positive masses");
   EXPECT_EQ(CalibrantMasses(description_), before);
   description_.setpoints.erase(kCalibrantListSetpoint);
   EXPECT_NE(InputErrorOf([&] { OverrideCalibrants(description_, {100.0}); }).find("setpoint 117"),
