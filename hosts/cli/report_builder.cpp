@@ -82,6 +82,7 @@ void AddErrors(const masstime::MassTimeModel& model, CalibrationReport& report) 
 
 std::vector<standin::MeasuredMass> CalibrantsOf(const std::vector<MassRow>& rows) {
   std::vector<standin::MeasuredMass> calibrants;
+  calibrants.reserve(rows.size());
   for (const MassRow& row : rows) calibrants.push_back({row.expected, row.time_ns, row.abundance});
   return calibrants;
 }

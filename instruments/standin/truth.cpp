@@ -72,14 +72,14 @@ double MeanLambda(const std::vector<MeasuredMass>& rows, const IonScale& scale) 
 }  // namespace
 
 std::optional<Truth> TruthOf(const StandInInstrument& instrument,
-                             const std::vector<MeasuredMass>& rows, std::int64_t spectra,
+                             const std::vector<MeasuredMass>& measured, std::int64_t spectra,
                              std::int64_t collected) {
   const vi::VirtualSource* const source = instrument.Virtual();
   if (source == nullptr) return std::nullopt;
   const InstrumentState& state = instrument.State();
   const vi::Parameters& parameters = source->parameters();
   const IonScale scale(state, parameters);
-  const std::vector<vi::CalibrantStatistics> calibrants = StatisticsOf(rows, scale, spectra);
+  const std::vector<vi::CalibrantStatistics> calibrants = StatisticsOf(measured, scale, spectra);
   if (calibrants.size() < 2) return std::nullopt;
 
   const auto [lightest, heaviest] =
@@ -95,7 +95,7 @@ std::optional<Truth> TruthOf(const StandInInstrument& instrument,
   };
 
   Truth truth;
-  truth.at_calibration = errors_at(MeanLambda(rows, scale));
+  truth.at_calibration = errors_at(MeanLambda(measured, scale));
   truth.in_band = FiguresOf(vi::ErrorsInBand(
       parameters, time_to_mass, masses, scale.Lambda(BandSetting(state, "AIC_TargetMinAb")),
       scale.Lambda(BandSetting(state, "AIC_TargetMaxAb")), drift_ppm));

@@ -31,11 +31,11 @@ struct MeasuredMass {
 };
 
 // Judges the coefficients in force by the instrument's true law, over masses that are log-spaced
-// between the lightest and the heaviest of `calibrants`, which carry the mean time and abundance of
-// `spectra` spectra of each mass. The law is that of the time in which the last `collected` spectra
-// were taken. None for a recorded instrument, and when fewer than two masses were measured.
+// between the lightest and the heaviest of the `measured`, which carry the mean time and abundance
+// of `spectra` spectra of each mass. The law is that of the time in which the last `collected`
+// spectra were taken. None for a recorded instrument, and when fewer than two masses were measured.
 std::optional<Truth> TruthOf(const StandInInstrument& instrument,
-                             const std::vector<MeasuredMass>& calibrants, std::int64_t spectra,
+                             const std::vector<MeasuredMass>& measured, std::int64_t spectra,
                              std::int64_t collected);
 
 }  // namespace tof::standin
