@@ -44,6 +44,7 @@ struct CalibrationReport {
   std::int32_t status_number = 0;
   std::string status_message;
   bool aic = false;
+  std::int16_t spectra = 0;  // per mass that were asked for
   std::vector<MassRow> masses;
   std::string date;                               // of the calibration, UTC, "2026-11-21T17:05:09Z"
   std::optional<CoefficientRecord> coefficients;  // in force at the end of a good calibration

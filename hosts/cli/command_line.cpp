@@ -154,6 +154,8 @@ void DeclareInstrumentChanges(OptionTable& table, InstrumentChoice& choice) {
 
 void DeclareOutput(OptionTable& table, CalibrateOptions& options) {
   table.Path("--trace", "FILE", "Writes the trace, one line a call", options.trace_file);
+  table.Path("--report", "FILE.html", "Writes a page for people: tables and charts of the run",
+             options.report_file);
   table.Path("--record", "FILE", "Keeps every call and answer, for tofcal replay",
              options.record_file);
   table.Path("--timeline", "FILE.json",
@@ -195,6 +197,17 @@ void DeclareFit(OptionTable& table, FitOptions& options) {
                 options.weighting = WholeNumberOption("--weighting", text, 0, 2);
               });
   DeclareJson(table, options.json_file);
+}
+
+void DeclareReport(OptionTable& table, ReportOptions& options) {
+  table.Path("folder", "FOLDER", "Log files, or the base folder with the folder Logfiles in it",
+             options.folder);
+  table.Path("--out", "FILE.html", "The page (default: calibration_report.html)", options.out_file);
+  table.Value("--run", "N", "The run to show, 1 the oldest (default: the newest)",
+              [&options](const std::string& text) {
+                options.run =
+                    WholeNumberOption("--run", text, 1, std::numeric_limits<std::int32_t>::max());
+              });
 }
 
 masstime::AcquisitionWindow WindowOption(const std::string& text) {
@@ -322,6 +335,12 @@ Command ParseCommandLine(int argc, const char* const* argv) {
   OptionTable drift_table(drift);
   DeclareDrift(drift_table, drift_options);
 
+  CLI::App& report =
+      *app.add_subcommand("report", "Makes a page of a past calibration from its log files");
+  ReportOptions report_options;
+  OptionTable report_table(report);
+  DeclareReport(report_table, report_options);
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp&) {
@@ -344,6 +363,11 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     check_table.StoreValues();
     return check_options;
   }
+  if (report.parsed()) {
+    report_table.StoreValues();
+    if (report_options.folder.empty()) throw UsageError("report: give the folder of log files");
+    return report_options;
+  }
   if (apply.parsed()) {
     apply_table.StoreValues();
     CheckApply(apply_options);
@@ -356,7 +380,7 @@ Command ParseCommandLine(int argc, const char* const* argv) {
   }
   if (!fit.parsed()) {
     throw UsageError(
-        "nothing to do: expected calibrate, replay, check-instrument, fit, apply or drift");
+        "nothing to do: expected calibrate, replay, check-instrument, fit, report, apply or drift");
   }
   fit_table.StoreValues();
   CheckFit(fit_options);

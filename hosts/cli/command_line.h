@@ -15,7 +15,7 @@ struct TextRequest {
 };
 
 using Command = std::variant<TextRequest, CalibrateOptions, ReplayOptions, CheckOptions, FitOptions,
-                             ApplyOptions, DriftOptions>;
+                             ApplyOptions, DriftOptions, ReportOptions>;
 
 // A command line that can't be followed; the text says what and, where it is not obvious, what
 // would do.

@@ -14,6 +14,7 @@
 #include "hosts/cli/run_drift.h"
 #include "hosts/cli/run_fit.h"
 #include "hosts/cli/run_replay.h"
+#include "hosts/cli/run_report.h"
 #include "instruments/spectra/input_error.h"
 
 namespace {
@@ -51,6 +52,10 @@ ExitCode Run(const tof::cli::ReplayOptions& options) {
 
 ExitCode Run(const tof::cli::CheckOptions& options) {
   return tof::cli::RunCheckInstrument(options, StandardStreams());
+}
+
+ExitCode Run(const tof::cli::ReportOptions& options) {
+  return tof::cli::RunReport(options, std::cout, std::cerr);
 }
 
 tof::cli::Command Parse(const std::vector<std::string>& arguments) {

@@ -42,6 +42,7 @@ struct CalibrateOptions : InstrumentChoice {
   std::filesystem::path trace_file;
   std::filesystem::path record_file;    // empty: nothing is recorded
   std::filesystem::path timeline_file;  // empty: none
+  std::filesystem::path report_file;    // empty: no page
   std::filesystem::path json_file;      // "-": standard output
 };
 
@@ -52,6 +53,13 @@ struct CheckOptions : InstrumentChoice {
 struct ReplayOptions {
   std::filesystem::path recording;
   std::filesystem::path json_file;  // "-": standard output
+};
+
+// The page of a run that log files tell of.
+struct ReportOptions {
+  std::filesystem::path folder;
+  std::filesystem::path out_file = "calibration_report.html";
+  std::optional<std::int32_t> run;  // from 1; none: the newest
 };
 
 // Times come from `pairs_file`, or from the peaks of `spectrum` at `masses`.

@@ -141,6 +141,7 @@ CalibrationReport BuildReport(const RunOutcome& outcome,
     report.status_message = outcome.failure->message;
   }
   report.aic = state.gate.Calls(standin::Operation::kAcqControllerEndAIC) > 0;
+  report.spectra = outcome.spectra;
   report.masses = RowsOf(outcome, report.aic, standin::TargetBandOf(state));
   if (report.ok) {
     const auto terms = static_cast<masstime::TermSet>(state.in_force.info.PolyTermsFlags);

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <variant>
 
@@ -18,6 +19,7 @@
 #include "hosts/cli/progress.h"
 #include "hosts/cli/report_builder.h"
 #include "hosts/cli/result_output.h"
+#include "hosts/cli/run_page.h"
 #include "hosts/cli/run_recording.h"
 #include "hosts/cli/run_timeline.h"
 #include "hosts/cli/text_report.h"
@@ -74,6 +76,7 @@ ExitCode RunCalibrate(const CalibrateOptions& options, const Terminal& terminal)
   RequireNotAnInput(options.trace_file, inputs);
   RequireNotAnInput(options.record_file, inputs);
   RequireNotAnInput(options.timeline_file, inputs);
+  RequireNotAnInput(options.report_file, inputs);
 
   Progress progress(terminal.err, terminal.err_is_terminal);
   CalibrationProgress* followed = nullptr;
@@ -88,21 +91,24 @@ ExitCode RunCalibrate(const CalibrateOptions& options, const Terminal& terminal)
   standin::StandInInstrument instrument(description, instrument_options, *host, clock);
 
   ResultOutput output(options.json_file, terminal.out);
+  RunPage page(options.report_file);
   PrepareLogFolder(description.base_folder);
   RegisterTrace(options.trace_file, *host);
   timeline.Follow(*host);
+  InstrumentFactory& watched = page.Follow(instrument, *host);
   RunRecording recording(options.record_file, *host);
 
   CalibrationCall call = CallOf(options, description.run, std::move(masses));
   CalibrationProgress calibration(progress, instrument, call.masses.size(), call.spectra, *host);
   followed = &calibration;
   const AbortOnInterrupt abort_on_interrupt(instrument);
-  const RunOutcome outcome = Calibrate(std::move(call), instrument, *host, recording.tape());
+  const RunOutcome outcome = Calibrate(std::move(call), watched, *host, recording.tape());
   progress.Finish();
 
   CalibrationReport report = BuildReport(outcome, instrument, *host);
   report.date = UtcDateText(std::chrono::system_clock::now());
   report.wall_seconds = SecondsSince(start);
+  page.Deliver(report);
   output.Deliver(report);
   timeline.Deliver();
   recording.Close();

@@ -5,19 +5,18 @@
 namespace tof::report {
 
 Variant ObservingTrace::GetProperty(std::string_view name) {
-  if (next_) return next_->GetProperty(name);
-  return name == "mtraceFlag" ? Variant(true) : Variant("");
+  return next_->GetProperty(name);
 }
 
 void ObservingTrace::PutProperty(std::string_view name, const Variant& value) {
-  if (next_) next_->PutProperty(name, value);
+  next_->PutProperty(name, value);
 }
 
 Variant ObservingTrace::Call(std::string_view method, const std::vector<Variant>& arguments) {
   if (method == "Entry") stages_->Enter(ToText(arguments.at(0)));
   if (method == "Exit") stages_->Leave();
   if (method == "TracePrint") stages_->Print(ToText(arguments.at(0)));
-  return next_ ? next_->Call(method, arguments) : Variant{};
+  return next_->Call(method, arguments);
 }
 
 }  // namespace tof::report

@@ -11,7 +11,7 @@
 
 namespace tof::report {
 
-// Tells `stages`, then hands every call on to another trace component, if there is one.
+// Tells `stages`, then hands every call on to the next trace component.
 class ObservingTrace : public LateBoundObject {
  public:
   ObservingTrace(std::shared_ptr<StageClock> stages, std::shared_ptr<LateBoundObject> next)

@@ -187,7 +187,9 @@ constexpr const char* kSpectraRange = "expected a whole number from 1 to 32767";
 INSTANTIATE_TEST_SUITE_P(
     Rows, CommandLineRefusal,
     ::testing::Values(
-        Refusal{"NoVerb", {}, "expected calibrate, replay, check-instrument, fit, apply or drift"},
+        Refusal{"NoVerb",
+                {},
+                "expected calibrate, replay, check-instrument, fit, report, apply or drift"},
         Refusal{"AnotherVerb", {"measure"}, "not expected: measure"},
         Refusal{"CheckWithSpectra", {"check-instrument", "--spectra", "3"}, "--spectra"},
         Refusal{"CheckOfMassZero", {"check-instrument", "--masses", "0"}, "found \"0\""},

@@ -113,10 +113,5 @@ TEST_F(StageClockTest, HearsTheTraceAndHandsItOn) {
   EXPECT_EQ(next->calls, 3);
 }
 
-TEST_F(StageClockTest, SwitchesTheTraceOnWhereThereIsNone) {
-  ObservingTrace trace(std::make_shared<StageClock>([this] { return moment_; }, seen_), nullptr);
-  EXPECT_EQ(trace.GetProperty("mtraceFlag"), Variant(true));
-}
-
 }  // namespace
 }  // namespace tof::report
