@@ -1,5 +1,11 @@
 # The Fast C++ CSV Parser, one header, which brings no package file for CMake. Its threads are the
 # standard library's.
+if(WIN32)
+  include("${CMAKE_CURRENT_LIST_DIR}/windows_packages/header_only.cmake")
+  tof_header_only(Fccp::Fccp HEADER /usr/include/libfccp/csv.h)
+  set(Fccp_FOUND TRUE)
+  return()
+endif()
 find_path(Fccp_INCLUDE_DIR csv.h PATH_SUFFIXES libfccp)
 include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(Fccp DEFAULT_MSG Fccp_INCLUDE_DIR)

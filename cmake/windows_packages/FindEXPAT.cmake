@@ -12,8 +12,8 @@ if(NOT TARGET EXPAT::EXPAT)
     PRIVATE XML_NS XML_DTD XML_GE=1 XML_CONTEXT_BYTES=1024 BYTEORDER=1234 HAVE_EXPAT_CONFIG_H _CRT_RAND_S)
   # Its configuration is in the definitions above; the file that it asks for stays empty.
   file(WRITE "${CMAKE_BINARY_DIR}/expat/expat_config.h" "")
-  target_include_directories(expat_for_windows
-    PRIVATE "${CMAKE_BINARY_DIR}/expat" SYSTEM INTERFACE "${TOF_EXPAT_SOURCE}")
+  target_include_directories(expat_for_windows PRIVATE "${CMAKE_BINARY_DIR}/expat")
+  target_include_directories(expat_for_windows SYSTEM INTERFACE "${TOF_EXPAT_SOURCE}")
   add_library(EXPAT::EXPAT ALIAS expat_for_windows)
 endif()
 set(EXPAT_FOUND TRUE)
