@@ -1,6 +1,7 @@
 // A host program in C++: calibrates the mass axis of the stand-in instrument and hears of a
-// failure. It needs COM alone, and the headers that are made from the interfaces' IDL. usage:
-// client [abort]
+// failure. It needs COM alone, and the headers that are made from the interfaces' IDL.
+//
+// usage: client [abort]
 //   abort: the user asks for an abort as soon as the calibration begins
 #include <windows.h>
 // After windows.h.
@@ -9,9 +10,9 @@
 // The identities of the headers behind it are defined here.
 #include <initguid.h>
 
-#include "vorninstrumentcontrol.h"
-#include "vornmasstime.h"
-#include "vorntofcaliblib.h"
+#include <vorninstrumentcontrol.h>
+#include <vornmasstime.h>
+#include <vorntofcaliblib.h>
 
 #include <cstdio>
 #include <cwchar>
