@@ -270,6 +270,7 @@ void DeclareDrift(OptionTable& table, DriftOptions& options) {
               [&analysis](const std::string& text) {
                 analysis.jump_percent = PositiveNumberOption("--jump-percent", text);
               });
+  table.Path("--report", "FILE.html", "Writes a page with charts", options.report_file);
   DeclareJson(table, options.json_file);
 }
 

@@ -24,5 +24,7 @@ struct DriftReport {
 
 std::string JsonOf(const DriftReport& report);
 std::string TableOf(const DriftReport& report);
+// A page with charts.
+std::string HtmlOf(const DriftReport& report);
 
 }  // namespace tof::cli

@@ -9,6 +9,7 @@ namespace tof::cli {
 namespace {
 
 using drift::InstrumentDrift;
+using drift::JointJump;
 using drift::Jump;
 using drift::MassDrift;
 using drift::Quantity;
@@ -58,32 +59,6 @@ std::string PeriodTable(const InstrumentDrift& instrument) {
   return text;
 }
 
-// The jumps of one quantity at one moment: what reaches all masses at once has another cause than
-// what reaches one of them.
-struct JointJump {
-  const Jump* first = nullptr;
-  std::size_t masses = 0;
-  double lowest = 0.0;
-  double highest = 0.0;
-};
-
-std::vector<JointJump> JointJumps(const std::vector<Jump>& jumps) {
-  std::vector<JointJump> joint;
-  for (const Jump& jump : jumps) {
-    const auto same = std::find_if(joint.rbegin(), joint.rend(), [&](const JointJump& one) {
-      return one.first->moment != jump.moment || one.first->quantity == jump.quantity;
-    });
-    if (same == joint.rend() || same->first->moment != jump.moment) {
-      joint.push_back({&jump, 1, jump.step, jump.step});
-      continue;
-    }
-    ++same->masses;
-    same->lowest = std::min(same->lowest, jump.step);
-    same->highest = std::max(same->highest, jump.step);
-  }
-  return joint;
-}
-
 std::string JumpLine(const JointJump& joint) {
   const Jump& jump = *joint.first;
   const bool is_time = jump.quantity == Quantity::kFlightTime;
@@ -97,7 +72,7 @@ std::string JumpLine(const JointJump& joint) {
 
 std::string JumpLines(const InstrumentDrift& instrument) {
   if (instrument.jumps.empty()) return "no jumps\n";
-  const std::vector<JointJump> joint = JointJumps(instrument.jumps);
+  const std::vector<JointJump> joint = drift::JointJumps(instrument.jumps);
   std::string text = fmt::format("{} jumps:\n", joint.size());
   for (std::size_t i = 0; i < std::min(joint.size(), kMostJumpLines); ++i)
     text += JumpLine(joint[i]);

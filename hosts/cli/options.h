@@ -87,6 +87,7 @@ struct ApplyOptions {
 struct DriftOptions {
   std::vector<std::string> files;  // paths of data-set files, or "LABEL=PATH"
   drift::AnalysisOptions analysis;
+  std::filesystem::path report_file;
   std::filesystem::path json_file;  // "-": standard output
 };
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <optional>
 #include <utility>
 
 #include "hosts/cli/drift_report.h"
@@ -10,7 +11,7 @@
 #include "hosts/cli/progress.h"
 #include "hosts/cli/result_output.h"
 #include "hosts/cli/stop_on_interrupt.h"
-#include "instruments/spectra/input_error.h"
+#include "instruments/spectra/utf8_path.h"
 
 namespace tof::cli {
 namespace {
@@ -21,7 +22,7 @@ constexpr double kMegabyte = 1e6;
 DriftFile FileOf(const std::string& argument) {
   std::error_code no_status;
   const std::size_t sign = argument.find('=');
-  if (sign == std::string::npos || std::filesystem::exists(argument, no_status)) {
+  if (sign == std::string::npos || std::filesystem::exists(spectra::PathOfUtf8(argument), no_status)) {
     return {argument, argument, {}};
   }
   return {argument.substr(sign + 1), argument.substr(0, sign), {}};
@@ -37,7 +38,7 @@ DriftReport Read(const DriftOptions& options, const Terminal& terminal) {
   for (const std::string& argument : options.files) {
     DriftFile file = FileOf(argument);
     builder.BeginFile(file.label);
-    file.read = drift::ReadDataSet(file.path, add, [&](std::uint64_t bytes) {
+    file.read = drift::ReadDataSet(spectra::PathOfUtf8(file.path), add, [&](std::uint64_t bytes) {
       interrupt.Check();
       progress.Show(
           fmt::format("reading {}: {:.0f} MB", file.path, static_cast<double>(bytes) / kMegabyte));
@@ -56,10 +57,15 @@ DriftReport Read(const DriftOptions& options, const Terminal& terminal) {
 
 ExitCode RunDrift(const DriftOptions& options, const Terminal& terminal) {
   std::vector<std::filesystem::path> inputs;
-  for (const std::string& argument : options.files) inputs.emplace_back(FileOf(argument).path);
+  for (const std::string& argument : options.files) inputs.push_back(spectra::PathOfUtf8(FileOf(argument).path));
   RequireNotAnInput(options.json_file, inputs);
+  RequireNotAnInput(options.report_file, inputs);
   ResultOutput output(options.json_file, terminal.out);
-  output.Deliver(Read(options, terminal));
+  std::optional<OutputFile> page;
+  if (!options.report_file.empty()) page.emplace(options.report_file);
+  const DriftReport report = Read(options, terminal);
+  if (page) page->Commit(HtmlOf(report));
+  output.Deliver(report);
   return kDone;
 }
 

@@ -64,6 +64,22 @@ std::vector<PeriodRow> PeriodsOf(const std::vector<Point>& points, const std::ve
   return rows;
 }
 
+std::vector<CurvePoint> CurveOf(const std::vector<Point>& points) {
+  const std::size_t group = (points.size() + kMostCurvePoints - 1) / kMostCurvePoints;
+  std::vector<CurvePoint> curve;
+  for (std::size_t begin = 0; begin < points.size(); begin += group) {
+    const std::size_t end = std::min(begin + group, points.size());
+    CurvePoint joined{points[begin].moment};
+    for (std::size_t i = begin; i < end; ++i) {
+      const auto share = 1.0 / static_cast<double>(end - begin);
+      joined.drift_ppm += (points[i].time_ns / points.front().time_ns - 1.0) * kPpm * share;
+      joined.abundance += points[i].abundance * share;
+    }
+    curve.push_back(joined);
+  }
+  return curve;
+}
+
 class MassAnalysis {
  public:
   MassAnalysis(std::int32_t mass, const std::vector<Point>& points, const AnalysisOptions& options)
@@ -80,6 +96,7 @@ class MassAnalysis {
     FlightTimeJumps(jumps);
     AbundanceJumps(jumps);
     drift_.periods = PeriodsOf(points_, jumped_, period);
+    drift_.curve = CurveOf(points_);
     return std::move(drift_);
   }
 
@@ -96,7 +113,7 @@ class MassAnalysis {
     drift_.last_ppm = ppm.back();
     drift_.noise_ppm = steps.robust_deviation;
     for (const std::size_t i : steps.jumps) {
-      Note(i, Quantity::kFlightTime, ppm[i] - ppm[i - 1], jumps);
+      Note(i, Quantity::kFlightTime, ppm[i] - ppm[i - 1], ppm[i], jumps);
     }
   }
 
@@ -111,13 +128,14 @@ class MassAnalysis {
     }
     const JumpRule rule{options_.jump_sigmas, std::log1p(options_.jump_percent / kPercent)};
     for (const std::size_t i : FindJumps(logs, rule).jumps) {
-      Note(i, Quantity::kAbundance, std::expm1(logs[i] - logs[i - 1]) * kPercent, jumps);
+      Note(i, Quantity::kAbundance, std::expm1(logs[i] - logs[i - 1]) * kPercent,
+           points_[i].abundance, jumps);
     }
   }
 
-  void Note(std::size_t i, Quantity quantity, double step, std::vector<Jump>& jumps) {
+  void Note(std::size_t i, Quantity quantity, double step, double value, std::vector<Jump>& jumps) {
     jumped_[i] = true;
-    jumps.push_back({points_[i - 1].moment, points_[i].moment, drift_.mass, quantity, step});
+    jumps.push_back({points_[i - 1].moment, points_[i].moment, drift_.mass, quantity, step, value});
   }
 
   const std::vector<Point>& points_;
@@ -146,6 +164,23 @@ InstrumentDrift Analyse(const Instrument& instrument, const AnalysisOptions& opt
     return std::tie(a.moment, a.mass, a.quantity) < std::tie(b.moment, b.mass, b.quantity);
   });
   return drift;
+}
+
+std::vector<JointJump> JointJumps(const std::vector<Jump>& jumps) {
+  std::vector<JointJump> joint;
+  for (const Jump& jump : jumps) {
+    const auto same = std::find_if(joint.rbegin(), joint.rend(), [&](const JointJump& one) {
+      return one.first->moment != jump.moment || one.first->quantity == jump.quantity;
+    });
+    if (same == joint.rend() || same->first->moment != jump.moment) {
+      joint.push_back({&jump, 1, jump.step, jump.step});
+      continue;
+    }
+    ++same->masses;
+    same->lowest = std::min(same->lowest, jump.step);
+    same->highest = std::max(same->highest, jump.step);
+  }
+  return joint;
 }
 
 }  // namespace tof::drift

@@ -33,6 +33,14 @@ struct PeriodRow {
   std::size_t jumps = 0;  // in flight time or abundance
 };
 
+// For a curve: neighbouring points are joined until kMostCurvePoints are left.
+struct CurvePoint {
+  std::int64_t moment = 0;
+  double drift_ppm = 0.0;
+  double abundance = 0.0;
+};
+inline constexpr std::size_t kMostCurvePoints = 400;
+
 struct MassDrift {
   std::int32_t mass = 0;  // index
   double first_time_ns = 0.0;
@@ -44,6 +52,7 @@ struct MassDrift {
   double highest_ppm = 0.0;
   double noise_ppm = 0.0;  // robust standard deviation of the steps from point to point
   std::vector<PeriodRow> periods;
+  std::vector<CurvePoint> curve;
 };
 
 enum class Quantity { kFlightTime, kAbundance };
@@ -53,8 +62,21 @@ struct Jump {
   std::int64_t moment = 0;  // of the first one after it
   std::int32_t mass = 0;
   Quantity quantity = Quantity::kFlightTime;
-  double step = 0.0;  // ppm of the flight time, or per cent of the abundance before
+  double step = 0.0;   // ppm of the flight time, or per cent of the abundance before
+  double value = 0.0;  // behind it: drift in ppm, or abundance
 };
+
+// The jumps of one quantity at one moment: what reaches all masses at once has another cause than
+// what reaches one of them.
+struct JointJump {
+  const Jump* first = nullptr;
+  std::size_t masses = 0;
+  double lowest = 0.0;
+  double highest = 0.0;
+};
+
+// Of jumps that are in the order of an InstrumentDrift; they outlive the result.
+std::vector<JointJump> JointJumps(const std::vector<Jump>& jumps);
 
 struct InstrumentDrift {
   std::string label;

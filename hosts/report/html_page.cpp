@@ -4,7 +4,7 @@
 
 #include "hosts/report/chart_data.h"
 #include "hosts/report/html_text.h"
-#include "hosts/report/page_assets.h"
+#include "hosts/report/page_frame.h"
 #include "hosts/report/page_sections.h"
 
 namespace tof::report {
@@ -12,17 +12,6 @@ namespace {
 
 std::string TitleOf(const ReportPage& page) {
   return page.instrument.empty() ? "Calibration" : "Calibration of " + page.instrument;
-}
-
-// Nothing but the page's own style and script is ever loaded or run.
-std::string Head(const ReportPage& page) {
-  return fmt::format(
-      "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-      "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
-      "style-src 'unsafe-inline'; script-src {}; base-uri 'none'; form-action 'none'\">\n"
-      "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-      "<title>{}</title>\n<style>\n{}</style>\n</head>\n",
-      ChartScriptHash(), Escape(TitleOf(page)), PageStyle());
 }
 
 std::string Contents() {
@@ -70,27 +59,14 @@ std::string Header(const ReportPage& page) {
   return html + Escape(page.source) + ".</p>\n</header>\n";
 }
 
-std::string Scripts(const ReportPage& page) {
-  return "<script type=\"application/json\" id=\"chart-data\">" +
-         EscapeForScript(ChartDataOf(page)) + "</script>\n<script>" + std::string(ChartScript()) +
-         "</script>\n";
-}
-
-std::string Footer(const ReportPage& page) {
-  return "<footer>\n<p>Made by " + Escape(page.program) +
-         ". A dash stands for what was not recorded or not measured.</p>\n"
-         "<details><summary>Licences of the parts of this page</summary>\n<pre>" +
-         Escape(ChartLicences()) + "</pre></details>\n</footer>\n";
-}
-
 }  // namespace
 
 std::string HtmlOf(const ReportPage& page) {
-  return Head(page) + "<body>\n<a class=\"skip\" href=\"#masses\">Skip to the results</a>\n" +
-         Header(page) + Contents() + "<main>\n" + RunsSection(page) + ProblemsSection(page) +
-         MassesSection(page) + EffectSection(page) + CalibrantsSection(page) +
-         CoefficientsSection(page) + StateSection(page) + EffortSection(page) + FilesSection(page) +
-         "</main>\n" + Footer(page) + Scripts(page) + "</body>\n</html>\n";
+  return InFrame({TitleOf(page), "masses", page.program, ChartDataOf(page)},
+                 Header(page) + Contents() + "<main>\n" + RunsSection(page) +
+                     ProblemsSection(page) + MassesSection(page) + EffectSection(page) +
+                     CalibrantsSection(page) + CoefficientsSection(page) + StateSection(page) +
+                     EffortSection(page) + FilesSection(page) + "</main>\n");
 }
 
 }  // namespace tof::report

@@ -234,7 +234,29 @@ function effect({ series, curve }) {
   };
 }
 
-const KINDS = { errors, survey, times, drift, effect };
+// Values over dates, a curve per mass. Jumps have a sign of their own.
+function history({ quantity, series, jumps }) {
+  const top = 16 + legendRows([...series, jumps]);
+  const curves = manySeries(series, 'line').map((one) => ({
+    ...one,
+    symbolSize: 4,
+    showSymbol: one.data.length <= 60,
+    lineStyle: { ...one.lineStyle, width: 1.2 },
+  }));
+  const marks = { name: 'jump', type: 'scatter', data: jumps, symbol: 'pin', symbolSize: 15, itemStyle: { color: INK }, z: 6 };
+  const all = jumps.length > 0 ? [...curves, marks] : curves;
+  return {
+    height: 300 + top,
+    useUTC: true,
+    legend: { ...tallLegend, data: legendData(all) },
+    grid: { ...grid, top },
+    xAxis: axis('date', 'x', { type: 'time' }),
+    yAxis: axis(quantity, 'y', { type: 'value', axisLabel: { ...FONT, fontSize: 12, formatter: (value) => (value >= 10000 ? counts(value) : short(value)) } }),
+    series: all,
+  };
+}
+
+const KINDS = { errors, survey, times, drift, effect, history };
 
 function draw(chart) {
   const place = document.getElementById(chart.id);
