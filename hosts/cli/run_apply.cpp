@@ -42,7 +42,7 @@ ExitCode RunApply(const ApplyOptions& options, const Terminal& terminal) {
   RequireNotAnInput(options.json_file, inputs);
 
   ApplyReport report;
-  report.output = options.output;
+  report.output = options.output.string();
   report.facts =
       apply::ProvenanceOf(calibration, TOF_VERSION, UtcDateText(std::chrono::system_clock::now()));
   ResultOutput result(options.json_file, terminal.out);

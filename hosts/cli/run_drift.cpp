@@ -22,7 +22,8 @@ constexpr double kMegabyte = 1e6;
 DriftFile FileOf(const std::string& argument) {
   std::error_code no_status;
   const std::size_t sign = argument.find('=');
-  if (sign == std::string::npos || std::filesystem::exists(spectra::PathOfUtf8(argument), no_status)) {
+  if (sign == std::string::npos ||
+      std::filesystem::exists(spectra::PathOfUtf8(argument), no_status)) {
     return {argument, argument, {}};
   }
   return {argument.substr(sign + 1), argument.substr(0, sign), {}};
@@ -57,7 +58,8 @@ DriftReport Read(const DriftOptions& options, const Terminal& terminal) {
 
 ExitCode RunDrift(const DriftOptions& options, const Terminal& terminal) {
   std::vector<std::filesystem::path> inputs;
-  for (const std::string& argument : options.files) inputs.push_back(spectra::PathOfUtf8(FileOf(argument).path));
+  for (const std::string& argument : options.files)
+    inputs.push_back(spectra::PathOfUtf8(FileOf(argument).path));
   RequireNotAnInput(options.json_file, inputs);
   RequireNotAnInput(options.report_file, inputs);
   ResultOutput output(options.json_file, terminal.out);

@@ -54,6 +54,20 @@ TEST_F(DriftProgram, TellsMachinesTheSame) {
   EXPECT_NEAR(instrument["masses"][1]["drift_ppm"].get<double>(), 40.0, 1e-6);
 }
 
+TEST_F(DriftProgram, MakesAPageThatNeedsNothingElse) {
+  const ProgramResult run =
+      RunTofcal({"drift", folder_ / "data.csv", "--report", folder_ / "page.html"});
+  ASSERT_EQ(run.exit_code, 0) << run.err;
+  const std::string page = BytesOf(folder_ / "page.html");
+  EXPECT_THAT(page, HasSubstr("Instruments: 1; runs: 20; jumps: 1."));
+  EXPECT_THAT(page, HasSubstr("default-src 'none'"));
+  EXPECT_THAT(page, HasSubstr(R"({"id":"chart-drift-0","kind":"history")"));
+  const ProgramResult refused =
+      RunTofcal({"drift", folder_ / "data.csv", "--report", folder_ / "data.csv"});
+  EXPECT_EQ(refused.exit_code, 2);
+  EXPECT_EQ(BytesOf(folder_ / "data.csv"), DataSet());
+}
+
 TEST_F(DriftProgram, CountsBadRowsWithTheirLines) {
   WriteBytes(folder_ / "data.csv", DataSet() + "20240121, 120000, 0, 0, 2000");
   const ProgramResult run = RunTofcal({"drift", folder_ / "data.csv"});
