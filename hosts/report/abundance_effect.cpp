@@ -54,6 +54,7 @@ std::vector<Row> RowsOf(const std::vector<AbundancePoint>& points, std::size_t c
 // that it follows a bend where there are many of them.
 std::vector<double> KnotsOf(const std::vector<Row>& rows) {
   std::vector<double> logs;
+  logs.reserve(rows.size());
   for (const Row& row : rows) logs.push_back(row.log_abundance);
   std::sort(logs.begin(), logs.end());
   const std::size_t least = std::max(kLeastPointsOfASlope, logs.size() / kMostSlopes);
