@@ -308,6 +308,12 @@ Command ParseCommandLine(int argc, const char* const* argv) {
 
   CLI::App& replay = *app.add_subcommand(
       "replay", "Runs the calibrator on a recording and shows the first difference");
+  replay.footer(
+      "Ends with 0 when there is no difference; with 1 when there is one, which is shown with "
+      "file,\n"
+      "line, call and routine, what was expected and what came; with 2 when the recording ends "
+      "early,\n"
+      "was changed or is none.");
   ReplayOptions replay_options;
   OptionTable replay_table(replay);
   DeclareReplay(replay_table, replay_options);

@@ -7,6 +7,15 @@
 #include "instruments/spectra/input_error.h"
 
 namespace tof::recording {
+namespace {
+
+std::string WithoutLastBrace(const Json& object) {
+  std::string text = object.dump();
+  text.pop_back();
+  return text;
+}
+
+}  // namespace
 
 RecordingFile::RecordingFile(const std::filesystem::path& path, const std::string& program) {
   errno = 0;
@@ -20,28 +29,19 @@ RecordingFile::RecordingFile(const std::filesystem::path& path, const std::strin
 }
 
 void RecordingFile::Begin(const Json& object) {
-  std::string text = object.dump();
-  text.pop_back();
+  const std::string text = WithoutLastBrace(object);
   sum_ = Continued(sum_, text);
   Write(text);
 }
 
 void RecordingFile::End(const Json& further_members) {
-  std::string text;
-  if (!further_members.empty()) {
-    text = further_members.dump();
-    text.front() = ',';
-    text.pop_back();
-  }
-  sum_ = Continued(sum_, text);
-  Write(text + SealOf(sum_) + "\n");
+  std::string text = WithoutLastBrace(further_members);
+  text.front() = ',';
+  WriteSealed(text);
 }
 
 void RecordingFile::Line(const Json& object) {
-  std::string text = object.dump();
-  text.pop_back();
-  sum_ = Continued(sum_, text);
-  Write(text + SealOf(sum_) + "\n");
+  WriteSealed(WithoutLastBrace(object));
 }
 
 void RecordingFile::Close(std::int64_t calls) {
@@ -50,6 +50,11 @@ void RecordingFile::Close(std::int64_t calls) {
   errno = 0;
   // Released first: the stream is gone after fclose, whatever that says.
   if (std::fclose(file_.release()) != 0) Fail();
+}
+
+void RecordingFile::WriteSealed(const std::string& text) {
+  sum_ = Continued(sum_, text);
+  Write(text + SealOf(sum_) + "\n");
 }
 
 void RecordingFile::Write(std::string_view text) {

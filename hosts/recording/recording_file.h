@@ -39,9 +39,11 @@ class RecordingFile {
   // Replaces the file. Raises an InputError when it can't be written.
   RecordingFile(const std::filesystem::path& path, const std::string& program);
 
-  // A line in two parts: an object, and the members that are known later (an object as well).
+  // A line in two parts: an object, and the members that are known later (an object as well, with
+  // one member at least).
   void Begin(const Json& object);
   void End(const Json& further_members);
+  // A line at once.
   void Line(const Json& object);
 
   // The closing line.
@@ -56,6 +58,7 @@ class RecordingFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
   };
 
+  void WriteSealed(const std::string& text);  // the end of a line, with its check sum
   void Write(std::string_view text);
   void Fail();
 

@@ -93,6 +93,18 @@ TEST(CommandLine, TakesEveryOptionOfACalibration) {
   EXPECT_EQ(options.fault->nth, 2);
 }
 
+TEST(CommandLine, RecordsDrawsATimelineAndReplays) {
+  const CalibrateOptions plain = ParseCalibrate({});
+  EXPECT_EQ(plain.record_file, "");
+  EXPECT_EQ(plain.timeline_file, "");
+  const CalibrateOptions options = ParseCalibrate({"--record", "r.jsonl", "--timeline", "t.json"});
+  EXPECT_EQ(options.record_file, "r.jsonl");
+  EXPECT_EQ(options.timeline_file, "t.json");
+  const auto replay = std::get<ReplayOptions>(Parse({"replay", "r.jsonl", "--json", "-"}));
+  EXPECT_EQ(replay.recording, "r.jsonl");
+  EXPECT_EQ(replay.json_file, "-");
+}
+
 TEST(CommandLine, KeepsRepeatedOverridesInTheirOrder) {
   const CalibrateOptions options =
       ParseCalibrate({"--set", "Calibration/A=1", "--flag", "F=Yes", "--set", "Calibration/B=-2",
@@ -187,6 +199,7 @@ constexpr const char* kSpectraRange = "expected a whole number from 1 to 32767";
 INSTANTIATE_TEST_SUITE_P(
     Rows, CommandLineRefusal,
     ::testing::Values(
+        Refusal{"NothingToReplay", {"replay"}, "replay: a recording is missing"},
         Refusal{"NoVerb",
                 {},
                 "expected calibrate, replay, check-instrument, fit, report, apply or drift"},
