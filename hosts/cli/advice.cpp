@@ -42,11 +42,18 @@ std::string AdviceOnMissingPeaks(const std::vector<MassRow>& masses) {
          ": leave these masses out (--masses), or average\nother spectra\n";
 }
 
+// The driver's own line repeats what the event has said.
+bool BeganElsewhere(const std::string& first_error) {
+  return !first_error.empty() && first_error.find("calibrateTOFMassAxis()") == std::string::npos;
+}
+
 }  // namespace
 
-std::string AdviceOn(const CalibrationReport& report, const native::FileJournal& files) {
+std::string AdviceOn(const CalibrationReport& report, const native::FileJournal& files,
+                     const std::string& first_error) {
   if (report.ok || report.skipped) return {};
   std::string advice;
+  if (BeganElsewhere(first_error)) advice += "it began with: " + first_error + "\n";
   if (report.status_number == kNoLikelyA) advice += AdviceOnLikelyA(report.masses.size());
   advice += AdviceOnMissingPeaks(report.masses);
   if (files.last_failure) {

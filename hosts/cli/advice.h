@@ -9,6 +9,8 @@
 namespace tof::cli {
 
 // Whole lines, for standard error; empty when there is nothing to say beyond the error itself.
-std::string AdviceOn(const CalibrationReport& report, const native::FileJournal& files);
+// `first_error` is the first line of the trace that tells of one, if any.
+std::string AdviceOn(const CalibrationReport& report, const native::FileJournal& files,
+                     const std::string& first_error);
 
 }  // namespace tof::cli

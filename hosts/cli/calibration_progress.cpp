@@ -4,10 +4,6 @@
 #include <array>
 #include <string>
 
-#include "component/automation/error.h"
-#include "hosts/cli/routine_trace.h"
-#include "hosts/native/trace_file.h"
-
 namespace tof::cli {
 namespace {
 
@@ -30,14 +26,6 @@ constexpr std::array<StageOfRoutine, 9> kStages{{
 }};
 constexpr std::string_view kFirstStage = "preparing";
 
-std::shared_ptr<LateBoundObject> TraceOf(native::PortableHost& host) {
-  try {
-    return host.CreateObject(native::kTraceProgId);
-  } catch (const AutomationError&) {
-    return nullptr;  // none is registered
-  }
-}
-
 }  // namespace
 
 CalibrationProgress::CalibrationProgress(Progress& line,
@@ -46,10 +34,7 @@ CalibrationProgress::CalibrationProgress(Progress& line,
                                          native::PortableHost& host)
     : line_(line), instrument_(instrument), masses_(masses), spectra_per_mass_(spectra_per_mass) {
   if (!line.IsShown()) return;
-  host.RegisterObject(native::kTraceProgId, [this, next = TraceOf(host)] {
-    return std::make_shared<RoutineTrace>([this](std::string_view routine) { Enter(routine); },
-                                          [this] { Leave(); }, next);
-  });
+  native::FollowTrace(host, *this);
 }
 
 void CalibrationProgress::Show() {
@@ -62,7 +47,7 @@ void CalibrationProgress::Show() {
                     .instrument_seconds = instrument_.State().clock->Seconds() - began_sec_}));
 }
 
-void CalibrationProgress::Enter(std::string_view routine) {
+void CalibrationProgress::Enter(std::string_view routine, std::int32_t /*level*/) {
   const auto* const known = std::find_if(
       kStages.begin(), kStages.end(), [&](const auto& stage) { return stage.routine == routine; });
   const std::string_view outer = stages_.empty() ? kFirstStage : stages_.back();

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "hosts/cli/progress.h"
+#include "hosts/native/followed_trace.h"
 #include "hosts/native/portable_host.h"
 #include "instruments/standin/instrument.h"
 
@@ -16,7 +17,7 @@ namespace tof::cli {
 // The stage follows from the routines that the calibrator announces to its trace component, spectra
 // and time from the instrument. Where the line is not shown, the host keeps its trace component as
 // it is, and nothing is followed. Line, instrument and host outlive it, and it outlives the run.
-class CalibrationProgress {
+class CalibrationProgress : public native::RoutineFollower {
  public:
   CalibrationProgress(Progress& line, const standin::StandInInstrument& instrument,
                       std::size_t masses, std::int16_t spectra_per_mass,
@@ -25,9 +26,10 @@ class CalibrationProgress {
   // To be called when time is going to pass.
   void Show();
 
+  void Enter(std::string_view routine, std::int32_t level) override;
+  void Leave() override;
+
  private:
-  void Enter(std::string_view routine);
-  void Leave();
   void BeginAcquisition(const SpectraPlan& plan);
 
   Progress& line_;

@@ -13,6 +13,7 @@
 #include "hosts/cli/calibration_setup.h"
 #include "hosts/cli/chosen_instrument.h"
 #include "hosts/cli/date_text.h"
+#include "hosts/cli/first_error.h"
 #include "hosts/cli/interrupt.h"
 #include "hosts/cli/json_report.h"
 #include "hosts/cli/log_folder.h"
@@ -94,6 +95,8 @@ ExitCode RunCalibrate(const CalibrateOptions& options, const Terminal& terminal)
   RunPage page(options.report_file);
   PrepareLogFolder(description.base_folder);
   RegisterTrace(options.trace_file, *host);
+  FirstError first_error;
+  native::FollowTrace(*host, first_error);
   timeline.Follow(*host);
   InstrumentFactory& watched = page.Follow(instrument, *host);
   RunRecording recording(options.record_file, *host);
@@ -115,7 +118,7 @@ ExitCode RunCalibrate(const CalibrateOptions& options, const Terminal& terminal)
   if (!outcome.failure) return kDone;
   terminal.err << "calibration failed: [" << report.status_number << "] " << report.status_message
                << '\n'
-               << AdviceOn(report, host->Files());
+               << AdviceOn(report, host->Files(), first_error.line());
   return kFailed;
 }
 

@@ -2,10 +2,7 @@
 
 #include <utility>
 
-#include "hosts/native/registered_trace.h"
-#include "hosts/native/silent_trace.h"
-#include "hosts/native/trace_file.h"
-#include "hosts/timeline/timeline_trace.h"
+#include "hosts/native/followed_trace.h"
 
 namespace tof::cli {
 
@@ -17,11 +14,7 @@ RunTimeline::RunTimeline(const std::string& path,
 }
 
 void RunTimeline::Follow(native::PortableHost& host) {
-  if (!timeline_) return;
-  std::shared_ptr<LateBoundObject> next = native::RegisteredTrace(host);
-  if (!next) next = std::make_shared<native::SilentTrace>();
-  auto trace = std::make_shared<timeline::TimelineTrace>(*timeline_, std::move(next));
-  host.RegisterObject(native::kTraceProgId, [trace] { return trace; });
+  if (timeline_) native::FollowTrace(host, *timeline_);
 }
 
 void RunTimeline::Deliver() {

@@ -7,10 +7,7 @@
 
 #include "component/automation/number_text.h"
 #include "hosts/cli/live_page.h"
-#include "hosts/native/registered_trace.h"
-#include "hosts/native/silent_trace.h"
-#include "hosts/native/trace_file.h"
-#include "hosts/report/observing_trace.h"
+#include "hosts/native/followed_trace.h"
 #include "instruments/standin/instrument_access.h"
 
 namespace tof::cli {
@@ -40,10 +37,7 @@ RunWatch::RunWatch(standin::StandInInstrument& instrument, native::PortableHost&
       now_(MomentsOf(instrument)),
       stages_(std::make_shared<report::StageClock>(now_, seen_)),
       observing_(instrument, MovedSetpointOf(instrument.State()), now_, stages_, seen_) {
-  std::shared_ptr<LateBoundObject> next = native::RegisteredTrace(host);
-  if (!next) next = std::make_shared<native::SilentTrace>();
-  auto trace = std::make_shared<report::ObservingTrace>(stages_, std::move(next));
-  host.RegisterObject(native::kTraceProgId, [trace] { return trace; });
+  native::FollowTrace(host, *stages_);
 }
 
 report::ReportPage RunWatch::PageOf(const CalibrationReport& report) {

@@ -49,11 +49,6 @@ std::optional<Stage> OwnStageOf(std::string_view routine) {
   return found->stage;
 }
 
-bool SpeaksOfAnError(std::string_view text) {
-  return text.rfind("error[", 0) == 0 || text.rfind("Error[", 0) == 0 ||
-         text.find(".Error[") != std::string_view::npos;
-}
-
 }  // namespace
 
 StageClock::StageClock(std::function<Moment()> now, Observation& seen)
@@ -68,7 +63,7 @@ const std::string& StageClock::routine() const {
   return frames_.empty() ? none : frames_.back().routine;
 }
 
-void StageClock::Enter(std::string_view routine) {
+void StageClock::Enter(std::string_view routine, std::int32_t /*level*/) {
   Attribute();
   if (const std::optional<Stage> own = OwnStageOf(routine)) {
     frames_.push_back({std::string(routine), *own});
@@ -84,14 +79,14 @@ void StageClock::Leave() {
   if (!frames_.empty()) frames_.pop_back();
 }
 
-void StageClock::Print(std::string_view text) {
+void StageClock::Print(std::string_view line) {
   Attribute();
-  if (text == "bEnableAbImmuneCalib[True]") seen_.aic = true;
-  if (text == "bEnableAbImmuneCalib[False]") seen_.aic = false;
-  const auto* const line = std::find_if(kStagesOfLines.begin(), kStagesOfLines.end(),
-                                        [&](const auto& entry) { return entry.text == text; });
-  if (line != kStagesOfLines.end() && !frames_.empty()) frames_.back().stage = line->stage;
-  if (SpeaksOfAnError(text) && !seen_.failed_in) seen_.failed_in = stage();
+  if (line == "bEnableAbImmuneCalib[True]") seen_.aic = true;
+  if (line == "bEnableAbImmuneCalib[False]") seen_.aic = false;
+  const auto* const known = std::find_if(kStagesOfLines.begin(), kStagesOfLines.end(),
+                                         [&](const auto& entry) { return entry.text == line; });
+  if (known != kStagesOfLines.end() && !frames_.empty()) frames_.back().stage = known->stage;
+  if (native::TellsOfAnError(line) && !seen_.failed_in) seen_.failed_in = stage();
 }
 
 void StageClock::Attribute() {

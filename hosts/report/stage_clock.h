@@ -1,11 +1,13 @@
 // Which stage a calibration is in, and what each took.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "hosts/native/followed_trace.h"
 #include "hosts/report/observation.h"
 
 namespace tof::report {
@@ -19,13 +21,13 @@ struct Moment {
 
 // Told of every routine that begins and ends. A routine without a stage of its own belongs to that
 // of its caller.
-class StageClock {
+class StageClock : public native::RoutineFollower {
  public:
   StageClock(std::function<Moment()> now, Observation& seen);
 
-  void Enter(std::string_view routine);
-  void Leave();
-  void Print(std::string_view text);
+  void Enter(std::string_view routine, std::int32_t level) override;
+  void Leave() override;
+  void Print(std::string_view line) override;
   // Adds what has passed since the last call to the present stage.
   void Stop() { Attribute(); }
 

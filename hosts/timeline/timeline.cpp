@@ -17,8 +17,11 @@ std::int64_t MicrosecondsOf(double seconds) {
 }
 
 nlohmann::ordered_json NameEvent(const char* what, std::int32_t track, const char* name) {
-  return {
-      {"name", what}, {"ph", "M"}, {"pid", kProcess}, {"tid", track}, {"args", {{"name", name}}}};
+  return {{"name", what},
+          {"ph", "M"},
+          {"pid", kProcess},
+          {"tid", track},
+          {"args", {{"name", name}}}};
 }
 
 nlohmann::ordered_json EventAt(const char* phase, std::int32_t track, std::int64_t at_us) {
@@ -35,12 +38,12 @@ Timeline::Timeline(std::shared_ptr<const spectra::InstrumentClock> clock)
   events_.push_back(NameEvent("thread_name", kSetpoints, "setpoint writes"));
 }
 
-void Timeline::EnterRoutine(const std::string& name, std::int32_t level) {
-  running_.push_back({{"name", name}, {"args", {{"level", level}}}});
+void Timeline::Enter(std::string_view routine, std::int32_t level) {
+  running_.push_back({{"name", std::string(routine)}, {"args", {{"level", level}}}});
   AddRoutineEvent("B");
 }
 
-void Timeline::LeaveRoutine() {
+void Timeline::Leave() {
   if (running_.empty()) return;
   AddRoutineEvent("E");
   running_.pop_back();
@@ -56,7 +59,7 @@ void Timeline::SetpointWritten(std::int32_t id, double value, double began_sec) 
 
 std::string Timeline::Document() const {
   Timeline closed = *this;
-  while (!closed.running_.empty()) closed.LeaveRoutine();
+  while (!closed.running_.empty()) closed.Leave();
   const Json document{{"displayTimeUnit", "ms"}, {"traceEvents", std::move(closed.events_)}};
   return document.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }

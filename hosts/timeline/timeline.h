@@ -5,23 +5,25 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "hosts/native/followed_trace.h"
 #include "instruments/spectra/instrument_clock.h"
 #include "instruments/standin/instrument_observer.h"
 
 namespace tof::timeline {
 
 // Three tracks: the calibrator's routines as nested spans, the spectra, the setpoint writes.
-class Timeline : public standin::InstrumentObserver {
+class Timeline : public standin::InstrumentObserver, public native::RoutineFollower {
  public:
   // The clock is that of the instrument that is observed.
   explicit Timeline(std::shared_ptr<const spectra::InstrumentClock> clock);
 
   // Begins now, inside the routines that run.
-  void EnterRoutine(const std::string& name, std::int32_t level);
+  void Enter(std::string_view routine, std::int32_t level) override;
   // Ends the innermost one; nothing when none runs.
-  void LeaveRoutine();
+  void Leave() override;
 
   void SpectrumTaken(double began_sec) override;
   void SetpointWritten(std::int32_t id, double value, double began_sec) override;

@@ -219,6 +219,16 @@ TEST_F(CalibrateProgram, FailsWhereAFaultIsAskedFor) {
   EXPECT_THAT(run.err, HasSubstr("AcqController.SetCalibCoefficients"));
 }
 
+// The event only tells that there were no flight times.
+TEST_F(CalibrateProgram, SaysWhereAnErrorBegan) {
+  const ProgramResult run =
+      Calibrate({"--fail", "SpecParser.GetCalibrantPeakAttributes:3", "--suppress-aic"});
+  EXPECT_EQ(run.exit_code, 1);
+  EXPECT_THAT(run.err, HasSubstr("calibration failed: [13] Type mismatch\n"
+                                 "it began with: error[440] in GetAveragedTimesForCalibration(): "
+                                 "Planned failure of SpecParser.GetCalibrantPeakAttributes"));
+}
+
 TEST_F(CalibrateProgram, FailsWhenTheObjectCannotBeMade) {
   const ProgramResult run = Calibrate({"--fail", "DataDictionary.Initialize:1"});
   EXPECT_EQ(run.exit_code, 1);

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <memory>
 
+#include "hosts/native/followed_trace.h"
 #include "hosts/native/silent_trace.h"
 #include "hosts/native/virtual_clock.h"
-#include "hosts/timeline/timeline_trace.h"
 
 namespace tof::timeline {
 namespace {
@@ -28,14 +28,14 @@ class TimelineTest : public ::testing::Test {
 };
 
 TEST_F(TimelineTest, CountsInMicrosecondsOfTheInstrumentsClock) {
-  timeline.EnterRoutine("Outer", 4);
+  timeline.Enter("Outer", 4);
   clock->Advance(1.5);
-  timeline.EnterRoutine("Inner", 9);
+  timeline.Enter("Inner", 9);
   timeline.SpectrumTaken(0.5);
   clock->Advance(0.02);
   timeline.SetpointWritten(84, 75.5, 1.5);
-  timeline.LeaveRoutine();
-  timeline.LeaveRoutine();
+  timeline.Leave();
+  timeline.Leave();
   EXPECT_EQ(Events(), json::parse(R"([
     {"ph":"B","pid":1,"tid":1,"ts":0,"name":"Outer","args":{"level":4}},
     {"ph":"B","pid":1,"tid":1,"ts":1500000,"name":"Inner","args":{"level":9}},
@@ -47,9 +47,9 @@ TEST_F(TimelineTest, CountsInMicrosecondsOfTheInstrumentsClock) {
 }
 
 TEST_F(TimelineTest, EndsNowWhatStillRuns) {
-  timeline.LeaveRoutine();  // nothing runs
-  timeline.EnterRoutine("Outer", 4);
-  timeline.EnterRoutine("Inner", 9);
+  timeline.Leave();  // nothing runs
+  timeline.Enter("Outer", 4);
+  timeline.Enter("Inner", 9);
   clock->Advance(2.0);
   const json events = Events();
   ASSERT_EQ(events.size(), 4U);
@@ -59,7 +59,7 @@ TEST_F(TimelineTest, EndsNowWhatStillRuns) {
 }
 
 TEST_F(TimelineTest, IsValidJsonWhateverTheNumbersAndNames) {
-  timeline.EnterRoutine("caf\xE9", 1);
+  timeline.Enter("caf\xE9", 1);
   timeline.SetpointWritten(1, std::nan(""), 0.0);
   EXPECT_TRUE(Events()[1]["args"]["value"].is_null());
 }
@@ -71,7 +71,7 @@ TEST_F(TimelineTest, HandsEveryCallOnToTheTraceBehindIt) {
       throw AutomationError(61, "Disk full");
     }
   };
-  TimelineTrace trace(timeline, std::make_shared<Failing>());
+  native::FollowedTrace trace(timeline, std::make_shared<Failing>());
   EXPECT_EQ(trace.GetProperty("mtraceFlag"), Variant(true));
   trace.PutProperty("mnameOfModule", "module");
   EXPECT_THROW(trace.Call("Entry", {"Outer", std::int32_t{4}}), AutomationError);

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "hosts/report/observing_trace.h"
+#include "hosts/native/followed_trace.h"
 
 namespace tof::report {
 namespace {
@@ -24,12 +24,12 @@ class StageClockTest : public ::testing::Test {
 };
 
 TEST_F(StageClockTest, GivesEachStageItsTime) {
-  clock_.Enter("calibrateTOFMassAxis");
+  clock_.Enter("calibrateTOFMassAxis", 9);
   Pass(1.0);
-  clock_.Enter("ApplyLikelyAAt0Coefficients");
+  clock_.Enter("ApplyLikelyAAt0Coefficients", 9);
   Pass(2.0);
   clock_.Leave();
-  clock_.Enter("GetAveragedTimesForCalibration");
+  clock_.Enter("GetAveragedTimesForCalibration", 9);
   Pass(4.0);
   clock_.Leave();
   Pass(8.0);
@@ -40,8 +40,8 @@ TEST_F(StageClockTest, GivesEachStageItsTime) {
 }
 
 TEST_F(StageClockTest, CountsARoutineWithoutAStageToItsCaller) {
-  clock_.Enter("WriteCalibrationLoggingInfo");
-  clock_.Enter("SomethingNew");
+  clock_.Enter("WriteCalibrationLoggingInfo", 9);
+  clock_.Enter("SomethingNew", 9);
   Pass(3.0);
   clock_.Leave();
   clock_.Leave();
@@ -49,7 +49,7 @@ TEST_F(StageClockTest, CountsARoutineWithoutAStageToItsCaller) {
 }
 
 TEST_F(StageClockTest, TellsTheFitByItsTwoLines) {
-  clock_.Enter("calibrateTOFMassAxis");
+  clock_.Enter("calibrateTOFMassAxis", 9);
   clock_.Print("Calling Calibrate()");
   EXPECT_EQ(clock_.stage(), Stage::kFitting);
   Pass(5.0);
@@ -72,7 +72,7 @@ TEST_F(StageClockTest, HearsTheDecisionOnAbundanceImmuneCalibration) {
 
 TEST_F(StageClockTest, KeepsThePassesApart) {
   for (int pass = 1; pass <= 2; ++pass) {
-    clock_.Enter("ApplyLikelyAAt0Coefficients");
+    clock_.Enter("ApplyLikelyAAt0Coefficients", 9);
     Pass(1.0);
     clock_.Leave();
   }
@@ -82,8 +82,8 @@ TEST_F(StageClockTest, KeepsThePassesApart) {
 }
 
 TEST_F(StageClockTest, RemembersWhereTheFirstErrorWas) {
-  clock_.Enter("calibrateTOFMassAxis");
-  clock_.Enter("SetTheseVoltagesAndGetTimesAndAbundances");
+  clock_.Enter("calibrateTOFMassAxis", 9);
+  clock_.Enter("SetTheseVoltagesAndGetTimesAndAbundances", 9);
   clock_.Print("error[1] in SetTheseVoltagesAndGetTimesAndAbundances(): User aborted");
   clock_.Leave();
   clock_.Print("error[13] in calibrateTOFMassAxis(): Type mismatch");
@@ -104,7 +104,7 @@ class CountingTrace : public LateBoundObject {
 TEST_F(StageClockTest, HearsTheTraceAndHandsItOn) {
   const auto next = std::make_shared<CountingTrace>();
   const auto stages = std::make_shared<StageClock>([this] { return moment_; }, seen_);
-  ObservingTrace trace(stages, next);
+  native::FollowedTrace trace(*stages, next);
   trace.Call("Entry", {Variant("WriteCalibrationLoggingInfo"), Variant(std::int32_t{9})});
   EXPECT_EQ(stages->stage(), Stage::kRecording);
   trace.Call("TracePrint", {Variant("1.1"), Variant("x"), Variant(std::int32_t{9})});
