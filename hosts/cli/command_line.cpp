@@ -363,6 +363,7 @@ Command ParseCommandLine(int argc, const char* const* argv) {
     return calibrate_options;
   }
   if (replay.parsed()) {
+    replay_table.StoreValues();
     if (replay_options.recording.empty()) throw UsageError("replay: a recording is missing");
     return replay_options;
   }

@@ -4,7 +4,7 @@
 
 namespace tof::cli {
 
-RunPage::RunPage(const std::string& path) {
+RunPage::RunPage(const std::filesystem::path& path) {
   if (!path.empty()) file_.emplace(path);
 }
 

@@ -1,8 +1,8 @@
 // The report page of a run, where one is asked for.
 #pragma once
 
+#include <filesystem>
 #include <optional>
-#include <string>
 
 #include "hosts/cli/output_file.h"
 #include "hosts/cli/run_watch.h"
@@ -12,7 +12,7 @@ namespace tof::cli {
 class RunPage {
  public:
   // Nothing at all without a `path`. Raises an InputError when the file can't be written.
-  explicit RunPage(const std::string& path);
+  explicit RunPage(const std::filesystem::path& path);
 
   // What the calibrator is to work with from now on: the instrument, watched when there is a page
   // to write. Both outlive the page.

@@ -16,15 +16,15 @@ using report::LoggedRuns;
 using report::ReportPage;
 using spectra::InputError;
 
-LoggedRuns ReadRuns(const std::string& folder) {
+LoggedRuns ReadRuns(const std::filesystem::path& folder) {
   std::error_code error;
   if (!std::filesystem::is_directory(folder, error)) {
-    throw InputError({folder}, "no folder", "a folder of log files");
+    throw InputError({folder.string()}, "no folder", "a folder of log files");
   }
   try {
     return report::RunsInFolder(folder);
   } catch (const std::filesystem::filesystem_error& failure) {
-    throw InputError({folder}, failure.code().message(), "a folder that can be read");
+    throw InputError({folder.string()}, failure.code().message(), "a folder that can be read");
   }
 }
 
@@ -63,7 +63,7 @@ ExitCode RunReport(const ReportOptions& options, std::ostream& out, std::ostream
     out << fmt::format("{} run {}: {}, {}\n", run.shown ? "*" : " ", run.number, run.began,
                        run.told);
   }
-  out << report::VerdictSentence(page) << "\nreport: " << options.out_file << '\n';
+  out << report::VerdictSentence(page) << "\nreport: " << options.out_file.string() << '\n';
   return kDone;
 }
 
