@@ -14,7 +14,7 @@ import subprocess
 import sys
 import tempfile
 
-OF_THE_MACHINE = {"wall_seconds", "files"}
+OF_THE_MACHINE = {"wall_seconds", "date", "files"}
 EXAMPLES = pathlib.Path(__file__).parents[2] / "examples"
 # Of the law sqrt(m) = 6.5e-4 (t - 300), each time a few tenths of a nanosecond off.
 PAIRS = """# mass time_ns
