@@ -27,6 +27,8 @@ VT_FILETIME = struct.pack("<I", 64)
 UPGRADE_CODE = uuid.UUID("7cb17a94-9d2f-4a0a-8c46-3f1d6d0a9b52")
 SERVERS = ["vorntofcaliblib.dll", "vorninstrument.dll"]
 PROGRAMS = ["vorntofDirectFWComm.dll", "tofcal.exe"]
+# Takes the identities of a real instrument's software: installed only where it is asked for.
+STAND_IN = ["vorninstrument.dll", "vorntofDirectFWComm.dll"]
 INTERFACES = ["vorntofcaliblib", "vorninstrument", "vorninstrumentcontrol", "vornmasstime"]
 
 
@@ -126,11 +128,14 @@ def source_of(options, work):
     top = ElementTree.SubElement(product, "Directory", Id="TARGETDIR", Name="SourceDir")
     program_files = ElementTree.SubElement(top, "Directory", Id="ProgramFiles64Folder")
     folders = Folders(ElementTree.SubElement(program_files, "Directory", Id="INSTALLDIR", Name=PRODUCT))
-    feature = ElementTree.SubElement(product, "Feature", Id="Everything", Level="1")
+    calibrator = ElementTree.SubElement(product, "Feature", Id="Calibrator", Level="1", Title="Calibrator and tofcal")
+    stand_in = ElementTree.SubElement(
+        product, "Feature", Id="StandInInstrument", Level="2", Title="Stand-in for the instrument's software")
     for folder, file in files_of(options.source, options.build):
         component = add_component(folders.at(folder), folder, file, work)
         if file.name in SERVERS:
             add_values(component, registered_values(options.runner, options.build, file.name))
+        feature = stand_in if file.name in STAND_IN else calibrator
         ElementTree.SubElement(feature, "ComponentRef", Id=component.get("Id"))
     return wix
 

@@ -14,12 +14,13 @@ import subprocess
 import sys
 
 PREFIX = pathlib.Path(os.environ["TOF_WINE_PREFIX"])
-PROGRAM_FILES = PREFIX / "drive_c/Program Files"
+INSTALLATION = PREFIX / "drive_c/Program Files/TofCalibrator"
 STATE_BEFORE = PREFIX / "state_before"
-INSTALLED = ["vorntofcaliblib.dll", "vorninstrument.dll", "vorntofDirectFWComm.dll", "tofcal.exe",
+INSTALLED = ["vorntofcaliblib.dll", "tofcal.exe",
              "interfaces/vorntofcaliblib.idl", "interfaces/vorntofcaliblib.tlb", "interfaces/vorntofcaliblib.h",
              "examples/calibrate.vbs", "examples/client.cpp", "examples/virtual.xml",
              "documentation/com_component.md"]
+STAND_IN = ["vorninstrument.dll", "vorntofDirectFWComm.dll"]
 # Where programs are entered. The system's own services write elsewhere at any time.
 OF_PROGRAMS = re.compile(r"(?i)\\Software\\(Wow6432Node\\)?(Classes|Microsoft\\Windows\\CurrentVersion)\\")
 # What all installers have their entries in.
@@ -61,8 +62,10 @@ def install(runner, installer):
     run(runner, "cscript", "//nologo", f"{PREFIX.name}/{script.name}")
     STATE_BEFORE.write_text("\n".join(sorted(registry(runner) | files())), encoding="utf-8")
     run(runner, "msiexec", "/i", f"Z:{installer}", "/qn")
-    missing = [name for name in INSTALLED if not (PROGRAM_FILES / "TofCalibrator" / name).is_file()]
-    return [f"not installed: {name}" for name in missing]
+    found = [f"not installed: {name}" for name in INSTALLED if not (INSTALLATION / name).is_file()]
+    found += [f"installed unasked: {name}" for name in STAND_IN if (INSTALLATION / name).exists()]
+    run(runner, "msiexec", "/i", f"Z:{installer}", "ADDLOCAL=StandInInstrument", "/qn")
+    return found + [f"not installed: {name}" for name in STAND_IN if not (INSTALLATION / name).is_file()]
 
 
 def uninstall(runner, installer):
