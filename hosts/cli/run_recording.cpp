@@ -10,7 +10,8 @@
 
 namespace tof::cli {
 
-RunRecording::RunRecording(std::string path, native::PortableHost& host) : path_(std::move(path)) {
+RunRecording::RunRecording(std::filesystem::path path, native::PortableHost& host)
+    : path_(std::move(path)) {
   if (path_.empty()) return;
   file_.emplace(path_, "tofcal " TOF_VERSION);
   recorder_.emplace(*file_);
@@ -22,7 +23,7 @@ void RunRecording::Close() {
   if (!file_) return;
   file_->Close(recorder_->calls());
   if (!file_->failure()) return;
-  throw spectra::InputError({path_}, *file_->failure() + ", so the recording ends early",
+  throw spectra::InputError({path_.string()}, *file_->failure() + ", so the recording ends early",
                             "room for the recording");
 }
 

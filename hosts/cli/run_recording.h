@@ -1,6 +1,7 @@
 // The recording of a run, where one is asked for.
 #pragma once
 
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -13,7 +14,7 @@ class RunRecording {
  public:
   // Nothing at all without a `path`. Makes the file and sees to it that there is a trace to record.
   // Raises an InputError when the file can't be written. `host` outlives the recording.
-  RunRecording(std::string path, native::PortableHost& host);
+  RunRecording(std::filesystem::path path, native::PortableHost& host);
 
   // None when nothing is recorded.
   recording::Tape* tape() { return recorder_ ? &*recorder_ : nullptr; }
@@ -22,7 +23,7 @@ class RunRecording {
   void Close();
 
  private:
-  std::string path_;
+  std::filesystem::path path_;
   std::optional<recording::RecordingFile> file_;
   std::optional<recording::Recorder> recorder_;
 };

@@ -6,7 +6,7 @@
 
 namespace tof::cli {
 
-RunTimeline::RunTimeline(const std::string& path,
+RunTimeline::RunTimeline(const std::filesystem::path& path,
                          std::shared_ptr<const spectra::InstrumentClock> clock) {
   if (path.empty()) return;
   file_.emplace(path);

@@ -1,6 +1,7 @@
 // The timeline of a run, where one is asked for.
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,7 +15,8 @@ namespace tof::cli {
 class RunTimeline {
  public:
   // Nothing at all without a `path`. Raises an InputError when the file can't be written.
-  RunTimeline(const std::string& path, std::shared_ptr<const spectra::InstrumentClock> clock);
+  RunTimeline(const std::filesystem::path& path,
+              std::shared_ptr<const spectra::InstrumentClock> clock);
 
   // To be told of spectra and setpoint writes; none when nothing is drawn.
   standin::InstrumentObserver* observer() { return timeline_ ? &*timeline_ : nullptr; }
