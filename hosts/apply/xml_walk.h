@@ -1,6 +1,7 @@
 // The elements of an XML file of any size, one after the other.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -14,8 +15,8 @@ namespace tof::apply {
 struct TagPlace {
   std::uint64_t begin = 0;
   std::uint64_t end = 0;
-  std::uint64_t line = 0;    // of `begin`, from 1
-  std::uint64_t column = 0;  // of `begin`, from 1, in bytes
+  std::size_t line = 0;    // of `begin`, from 1
+  std::size_t column = 0;  // of `begin`, from 1, in bytes
 };
 
 using Attributes = std::vector<std::pair<std::string, std::string>>;

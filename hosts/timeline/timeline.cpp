@@ -17,11 +17,8 @@ std::int64_t MicrosecondsOf(double seconds) {
 }
 
 nlohmann::ordered_json NameEvent(const char* what, std::int32_t track, const char* name) {
-  return {{"name", what},
-          {"ph", "M"},
-          {"pid", kProcess},
-          {"tid", track},
-          {"args", {{"name", name}}}};
+  return {
+      {"name", what}, {"ph", "M"}, {"pid", kProcess}, {"tid", track}, {"args", {{"name", name}}}};
 }
 
 nlohmann::ordered_json EventAt(const char* phase, std::int32_t track, std::int64_t at_us) {
