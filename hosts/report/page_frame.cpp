@@ -20,6 +20,7 @@ std::string Head(const PageFrame& frame) {
 }
 
 std::string Scripts(const PageFrame& frame) {
+  if (ChartScript().empty()) return "";
   return "<script type=\"application/json\" id=\"chart-data\">" +
          EscapeForScript(frame.chart_data) + "</script>\n<script>" + std::string(ChartScript()) +
          "</script>\n";

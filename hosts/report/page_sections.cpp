@@ -7,6 +7,7 @@
 
 #include "hosts/report/chart_data.h"
 #include "hosts/report/html_text.h"
+#include "hosts/report/page_assets.h"
 
 namespace tof::report {
 namespace {
@@ -151,6 +152,7 @@ std::string Times(const ReportPage& page) {
 
 std::string ChartFigure(const std::string& id, const std::string& alternative,
                         const std::string& caption) {
+  if (ChartScript().empty()) return "<p>" + caption + "</p>\n";
   return fmt::format(
       "<figure>\n<div class=\"chart\" id=\"{}\" role=\"img\" aria-label=\"{}\">"
       "</div>\n<figcaption>{}</figcaption>\n</figure>\n",
