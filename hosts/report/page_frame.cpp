@@ -20,10 +20,9 @@ std::string Head(const PageFrame& frame) {
 }
 
 std::string Scripts(const PageFrame& frame) {
-  if (ChartScript().empty()) return "";
-  return "<script type=\"application/json\" id=\"chart-data\">" +
-         EscapeForScript(frame.chart_data) + "</script>\n<script>" + std::string(ChartScript()) +
-         "</script>\n";
+  const std::string data = "<script type=\"application/json\" id=\"chart-data\">" +
+                           EscapeForScript(frame.chart_data) + "</script>\n";
+  return ChartScript().empty() ? data : data + "<script>" + ChartScript() + "</script>\n";
 }
 
 std::string Footer(const PageFrame& frame) {

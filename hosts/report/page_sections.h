@@ -17,8 +17,8 @@ std::string StateSection(const ReportPage& page);
 std::string EffortSection(const ReportPage& page);
 std::string FilesSection(const ReportPage& page);
 
-// A chart's place, for a script to draw into. `alternative` says in words what is seen. In a program
-// built without charts: the caption alone.
+// A chart's place, for a script to draw into. `alternative` says in words what is seen. In a
+// program built without charts: the caption alone.
 std::string ChartFigure(const std::string& id, const std::string& alternative,
                         const std::string& caption);
 // A table that scrolls by itself on a narrow screen. `heads` are HTML.
