@@ -40,13 +40,10 @@ class RedirectedClasses {
   HKEY key_ = nullptr;
 };
 
-void RegisterDll(const wchar_t* path) {
-  const HMODULE module = LoadLibraryW(path);
-  Require(module != nullptr, "load " + Utf8(path));
-  auto* const function = reinterpret_cast<HRESULT(WINAPI*)()>(
-      reinterpret_cast<void*>(GetProcAddress(module, "DllRegisterServer")));
-  Require(function != nullptr, "DllRegisterServer of " + Utf8(path));
-  Require(SUCCEEDED(function()), "registering " + Utf8(path));
+void Call(HMODULE module, const char* name) {
+  auto* const function =
+      reinterpret_cast<HRESULT(WINAPI*)()>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+  Require(function != nullptr && SUCCEEDED(function()), name);
 }
 
 void PrintValues(HKEY key, const std::wstring& path) {
@@ -85,8 +82,12 @@ int wmain(int argc, wchar_t** argv) {
   }
   try {
     const tof::com::RedirectedClasses classes;
-    tof::com::RegisterDll(argv[1]);
+    const HMODULE module = LoadLibraryW(argv[1]);
+    tof::com::Require(module != nullptr, "load " + tof::com::Utf8(argv[1]));
+    tof::com::Call(module, "DllRegisterServer");
     tof::com::PrintValues(classes.key(), {});
+    // What registering a type library enters for 32-bit programs goes past the redirection.
+    tof::com::Call(module, "DllUnregisterServer");
     return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "registered_values: %s\n", error.what());
