@@ -68,11 +68,18 @@ def install(runner, installer):
     return found + [f"not installed: {name}" for name in STAND_IN if not (INSTALLATION / name).is_file()]
 
 
+def remove_prefix():
+    # Services of the prefix still write into it for a while.
+    for option in ("--kill", "--wait"):
+        subprocess.run(["wineserver", option], env=dict(os.environ, WINEPREFIX=str(PREFIX)), check=False)
+    shutil.rmtree(PREFIX)
+
+
 def uninstall(runner, installer):
     run(runner, "msiexec", "/x", f"Z:{installer}", "/qn")
     before = set(STATE_BEFORE.read_text(encoding="utf-8").splitlines())
     left = sorted((registry(runner) | files()) - before)
-    shutil.rmtree(PREFIX)
+    remove_prefix()
     return [f"left behind: {name}" for name in left]
 
 
