@@ -8,8 +8,7 @@ std::vector<std::string> ArgumentsInUtf8(int argc, const char* const* argv) {
   return {argv, argv + argc};
 }
 
-Console::Console() = default;
-Console::~Console() = default;
+void PrepareStandardStreams() {}
 
 bool StandardErrorIsTerminal() {
   return isatty(STDERR_FILENO) != 0;

@@ -22,6 +22,21 @@ std::string Utf8Of(std::wstring_view wide) {
   return text;
 }
 
+class ConsoleInUtf8 {
+ public:
+  ConsoleInUtf8() : code_page_before_(GetConsoleOutputCP()) {
+    if (code_page_before_ != 0) SetConsoleOutputCP(CP_UTF8);
+  }
+  ~ConsoleInUtf8() {
+    if (code_page_before_ != 0) SetConsoleOutputCP(code_page_before_);
+  }
+  ConsoleInUtf8(const ConsoleInUtf8&) = delete;
+  ConsoleInUtf8& operator=(const ConsoleInUtf8&) = delete;
+
+ private:
+  UINT code_page_before_;  // 0: there is no console
+};
+
 struct LocalFreer {
   void operator()(void* memory) const { LocalFree(memory); }
 };
@@ -38,14 +53,10 @@ std::vector<std::string> ArgumentsInUtf8(int argc, const char* const* argv) {
   return arguments;
 }
 
-Console::Console() : code_page_before_(GetConsoleOutputCP()) {
-  if (code_page_before_ != 0) SetConsoleOutputCP(CP_UTF8);
+void PrepareStandardStreams() {
+  static const ConsoleInUtf8 until_the_end;
   _setmode(_fileno(stdout), _O_BINARY);
   _setmode(_fileno(stderr), _O_BINARY);
-}
-
-Console::~Console() {
-  if (code_page_before_ != 0) SetConsoleOutputCP(code_page_before_);
 }
 
 // A console from before Windows 10 shows escape sequences as they are.

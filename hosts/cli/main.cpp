@@ -69,7 +69,7 @@ tof::cli::Command Parse(const std::vector<std::string>& arguments) {
 
 int main(int argc, char** argv) {
   try {
-    const tof::cli::Console console;
+    tof::cli::PrepareStandardStreams();
     const std::vector<std::string> arguments = tof::cli::ArgumentsInUtf8(argc, argv);
     return std::visit([](const auto& request) { return Run(request); }, Parse(arguments));
   } catch (const tof::cli::UsageError& error) {
