@@ -156,7 +156,7 @@ class Reading {
       if ((result_.rows + result_.bad_rows) % kRowsBetweenProgress == 0) progress(*bytes_read_);
       if (result_.rows > 0 || result_.bad_rows < kLinesToFindARow) continue;
       const BadRow& first = result_.first_bad_rows.front();
-      throw InputError({path_, first.line, 1},
+      throw InputError({path_, static_cast<std::size_t>(first.line), 1},
                        fmt::format("no row in {} lines ({})", kLinesToFindARow, first.why),
                        "a data-set file of abundance-immune calibrations");
     }
