@@ -118,8 +118,8 @@ AppliedCalibration FromLog(const std::string& text, const CalibrationChoice& cho
             kFormulaText + '"');
   }
   if (choice.window) calibration.model.window = *choice.window;
-  calibration.terms = cli::NamesOfFitted(fit.terms);
-  calibration.date = fit.date + " (local time of the instrument)";
+  calibration.terms = cli::NamesOfFitted(static_cast<masstime::TermSet>(fit.terms));
+  calibration.date = fit.time + " (local time of the instrument)";
   calibration.what = "fit " + std::to_string(run) + " of the " + std::to_string(fits.size()) +
                      " in a calibration log";
   return calibration;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "instruments/spectra/input_error.h"
+#include "instruments/spectra/input_file.h"
 
 namespace tof::apply {
 namespace {
@@ -37,15 +38,16 @@ std::vector<double> ResultsOf(const std::string& blocks) {
 TEST(CalibrationLog, ReadsABlockToItsLastField) {
   const auto dumps = ParseCalibrationLog(kHeader + Block("13:05:09", 300.5, "0001F"), "log");
   ASSERT_EQ(dumps.size(), 1u);
-  EXPECT_EQ(dumps[0].date, "20240229 13:05:09");
+  EXPECT_EQ(dumps[0].time, "20240229 13:05:09");
   EXPECT_THAT(dumps[0].coefficients,
               ElementsAre(6.5e-4, 300.5, -1.5e-7, -1.5e-7, -1.5e-7, -1.5e-7, -1.5e-7, -1.5e-7));
-  EXPECT_EQ(dumps[0].terms, 0x1Fu);
+  EXPECT_EQ(dumps[0].terms, 0x1F);
 }
 
 TEST(CalibrationLog, ReadsTheLogOfACalibration) {
-  const auto dumps =
-      ReadCalibrationLog(TOF_SOURCE_DIR "/tests/golden/traditional_run/calibration_log.txt");
+  const auto dumps = ParseCalibrationLog(
+      spectra::ReadWholeFile(TOF_SOURCE_DIR "/tests/golden/traditional_run/calibration_log.txt"),
+      "log");
   EXPECT_EQ(dumps.size(), 3u);
   const auto fits = FitResults(dumps);
   ASSERT_EQ(fits.size(), 1u);
