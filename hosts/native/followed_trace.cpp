@@ -29,7 +29,7 @@ Variant FollowedTrace::Call(std::string_view method, const std::vector<Variant>&
 void FollowTrace(PortableHost& host, RoutineFollower& follower) {
   std::shared_ptr<LateBoundObject> next = RegisteredTrace(host);
   if (!next) next = std::make_shared<SilentTrace>();
-  const auto trace = std::make_shared<FollowedTrace>(follower, std::move(next));
+  auto trace = std::make_shared<FollowedTrace>(follower, std::move(next));
   host.RegisterObject(kTraceProgId, [trace] { return trace; });
 }
 
