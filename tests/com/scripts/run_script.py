@@ -3,6 +3,7 @@
 says nothing, whatever goes wrong in a script.
 
 usage: run_script.py --runner RUNNER [--before FILE.vbs] SCRIPT.vbs PATTERN ...
+  SCRIPT may be a page of the documents: its block of VBScript is run
   --before: put before the script; PATTERN: regular expressions, each of which must match a line, the last
   one the last line
 """
@@ -24,9 +25,13 @@ def main():
     options = parser.parse_args()
     with tempfile.TemporaryDirectory() as folder:
         script = options.script
+        text = b""
         if options.before:
+            text = options.before.read_bytes() + pathlib.Path(script).read_bytes()
+        elif script.endswith(".md"):
+            text = re.search(rb"^```vbscript\n(.*?)^```", pathlib.Path(script).read_bytes(), re.MULTILINE | re.DOTALL)[1]
+        if text:
             script = "script.vbs"
-            text = options.before.read_bytes() + pathlib.Path(options.script).read_bytes()
             (pathlib.Path(folder) / script).write_bytes(text)
         run = subprocess.run([options.runner, "cscript", "//nologo", script], cwd=folder,
                              capture_output=True, text=True, check=False)
