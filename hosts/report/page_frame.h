@@ -7,7 +7,7 @@ namespace tof::report {
 
 struct PageFrame {
   std::string title;
-  std::string first_section;  // id of the part that a keyboard skips to
+  std::string first_section;  // id of the section that the link for keyboards leads to
   std::string program;        // "tofcal 1.2.3"
   std::string chart_data;     // JSON for the page's script: a list of charts, each with its id
 };

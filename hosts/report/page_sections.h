@@ -1,4 +1,4 @@
-// The parts of a page, in HTML. A part that has nothing to say about a run says so.
+// The sections of a page, in HTML. A section that has nothing to say about a run says so.
 #pragma once
 
 #include <string>

@@ -19,7 +19,7 @@ std::vector<RegisteredClass> Classes() {
   return {{.class_id = __uuidof(::TofCalibrator),
            .prog_id = "vorntofcaliblib.TofCalibrator",
            .description = "TOF mass-axis calibrator",
-           .library_id = LIBID_vorntofcaliblib}};
+           .type_library_id = LIBID_vorntofcaliblib}};
 }
 
 ComPtr<IUnknown> NewCalibrator() {

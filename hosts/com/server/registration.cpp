@@ -50,7 +50,7 @@ void WriteClass(const RegisteredClass& described) {
   SetText(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
   SetText(key + L"\\ProgID", nullptr, VersionProgId(described));
   SetText(key + L"\\VersionIndependentProgID", nullptr, ProgId(described));
-  SetText(key + L"\\TypeLib", nullptr, GuidText(described.library_id));
+  SetText(key + L"\\TypeLib", nullptr, GuidText(described.type_library_id));
   SetText(key + L"\\Programmable", nullptr, L"");
   for (const std::wstring& prog_id : {ProgId(described), VersionProgId(described)}) {
     SetText(prog_id, nullptr, description);

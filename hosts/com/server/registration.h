@@ -11,7 +11,7 @@ struct RegisteredClass {
   CLSID class_id;
   const char* prog_id;  // of any version, e.g. "vorntofcaliblib.TofCalibrator"; this one has ".1"
   const char* description;
-  GUID library_id;
+  GUID type_library_id;
 };
 
 // In-process, apartment-threaded classes of this module, and its embedded type libraries. What was
