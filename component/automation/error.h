@@ -43,10 +43,16 @@ enum class RunTimeError : std::int32_t {
 // The usual text of a run-time error, e.g. "Type mismatch".
 const char* DescriptionOf(RunTimeError error);
 
+// The same by number, for every number that automation has a text of its own for; "Automation
+// error" for any other.
+const char* UsualTextOf(std::int32_t number);
+
 [[noreturn]] void Raise(RunTimeError error);
 
 // The exception now being handled, as an automation error: itself when it is one, 7 for exhausted
-// memory, 440 with its own text for any other. Call it from a catch block only.
-AutomationError CurrentError();
+// memory, 440 with its own text for any other. One without a text gets the usual text of its
+// number; 0, which is the number of no error and which a host would read as success, becomes 440.
+// Call it from a catch block only.
+AutomationError CurrentError() noexcept;
 
 }  // namespace tof

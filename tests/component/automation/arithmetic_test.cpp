@@ -52,6 +52,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"QuotientTooLarge", [] { return Divide(kLargest, 0.5); }, 0.0, 6},
                     Case{"QuotientTooSmall", [] { return Divide(kSmallest, 4.0); }, 0.0},
                     Case{"NumberByInfinity", [] { return Divide(2.0, kInfinity); }, 0.0},
+                    Case{"InfinityByInfinity", [] { return Divide(kInfinity, kInfinity); }, 0.0, 6},
                     Case{"InfinityByNumber", [] { return Divide(kInfinity, 2.0); }, kInfinity}),
     [](const auto& one) { return one.param.name; });
 
@@ -63,8 +64,33 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{"ProductTooNegative", [] { return Multiply(-kLargest, 2.0); }, 0.0, 6},
                     Case{"ProductTooSmall", [] { return Multiply(kSmallest, 0.25); }, 0.0},
                     Case{"WithInfinity", [] { return Multiply(kInfinity, 2.0); }, kInfinity},
-                    Case{"ZeroTimesInfinity", [] { return Multiply(0.0, kInfinity); }, kNaN},
+                    Case{"ZeroTimesInfinity", [] { return Multiply(0.0, kInfinity); }, 0.0, 6},
+                    Case{"InfinityTimesZero", [] { return Multiply(kInfinity, 0.0); }, 0.0, 6},
+                    Case{"ZeroTimesNaN", [] { return Multiply(0.0, kNaN); }, kNaN},
                     Case{"WithNaN", [] { return Multiply(kNaN, 2.0); }, kNaN}),
+    [](const auto& one) { return one.param.name; });
+
+INSTANTIATE_TEST_SUITE_P(
+    Sum, Arithmetic,
+    testing::Values(Case{"Exact", [] { return Add(3.0, 0.5); }, 3.5},
+                    Case{"TooLarge", [] { return Add(kLargest, kLargest); }, 0.0, 6},
+                    Case{"TooNegative", [] { return Add(-kLargest, -kLargest); }, 0.0, 6},
+                    Case{"LargestAndALittle", [] { return Add(kLargest, 1.0); }, kLargest},
+                    Case{"OfInfinities", [] { return Add(kInfinity, kInfinity); }, kInfinity},
+                    Case{"OfOppositeInfinities", [] { return Add(kInfinity, -kInfinity); }, 0.0, 6},
+                    Case{"NaNFirst", [] { return Add(kNaN, 1.0); }, kNaN},
+                    Case{"NaNSecond", [] { return Add(kInfinity, kNaN); }, kNaN}),
+    [](const auto& one) { return one.param.name; });
+
+INSTANTIATE_TEST_SUITE_P(
+    Difference, Arithmetic,
+    testing::Values(Case{"Exact", [] { return Subtract(3.0, 0.5); }, 2.5},
+                    Case{"TooLarge", [] { return Subtract(kLargest, -kLargest); }, 0.0, 6},
+                    Case{"TooNegative", [] { return Subtract(-kLargest, kLargest); }, 0.0, 6},
+                    Case{"OfInfinities", [] { return Subtract(kInfinity, kInfinity); }, 0.0, 6},
+                    Case{"FromInfinity", [] { return Subtract(kInfinity, 1.0); }, kInfinity},
+                    Case{"NaNFirst", [] { return Subtract(kNaN, 1.0); }, kNaN},
+                    Case{"NaNSecond", [] { return Subtract(1.0, kNaN); }, kNaN}),
     [](const auto& one) { return one.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(
