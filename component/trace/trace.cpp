@@ -1,5 +1,6 @@
 #include "component/trace/trace.h"
 
+#include <type_traits>
 #include <utility>
 
 #include "component/automation/convert.h"
@@ -50,7 +51,13 @@ void TraceObj::TraceEntry(std::int32_t level, std::string_view name) {
   if (!module_.on) return;
   const Variant routine{std::string(name)};
   module_.call_stack.push_front(routine);
-  module_.call_stack.push_front(Variant(level));
+  try {
+    module_.call_stack.push_front(Variant(level));
+  } catch (...) {
+    // Level and name stand on the stack together or not at all.
+    module_.call_stack.pop_front();
+    throw;
+  }
   entered_ = true;
   module_.component->Call("Entry", {routine, Variant(level)});
 }
@@ -63,8 +70,10 @@ void TraceObj::Print(std::string_view text) {
 
 void TraceObj::TraceExit() noexcept {
   if (!module_.on || !entered_) return;
-  const Variant level = module_.call_stack[0];
-  const Variant name = module_.call_stack[1];
+  // Moved, not copied: a copy of the name may need memory, and nothing may leave this function.
+  static_assert(std::is_nothrow_move_constructible_v<Variant>);
+  const Variant level = std::move(module_.call_stack[0]);
+  const Variant name = std::move(module_.call_stack[1]);
   module_.call_stack.pop_front();
   module_.call_stack.pop_front();
   try {

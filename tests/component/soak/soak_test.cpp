@@ -13,7 +13,7 @@
 #include "component/automation/convert.h"
 #include "component/calibrator/tof_calibrator.h"
 #include "component/trace/trace.h"
-#include "tests/component/soak/live_blocks.h"
+#include "tests/component/soak/memory.h"
 #include "tests/component/whole_run/aic_ways.h"
 #include "tests/support/calibration_fixture.h"
 
