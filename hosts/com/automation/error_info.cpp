@@ -50,6 +50,19 @@ ComPtr<IErrorInfo> NewErrorInfo(const AutomationError& error, REFIID iid, const 
   return info.As<IErrorInfo>();
 }
 
+// The usual text of an automation error's number; what Windows says of any other result.
+std::string TextOfNumber(std::int32_t number, HRESULT result) {
+  const bool is_automation_error = number > 0 && number <= kLargestNumber;
+  return is_automation_error ? UsualTextOf(number) : TextOfResult(result);
+}
+
+// An empty record is an error all the same: 0 would read as success.
+std::int32_t NumberIn(const EXCEPINFO& exception) {
+  if (exception.wCode != 0) return exception.wCode;
+  if (exception.scode != S_OK) return NumberOf(exception.scode);
+  return static_cast<std::int32_t>(RunTimeError::kAutomationError);
+}
+
 }  // namespace
 
 HRESULT ResultOf(std::int32_t number) {
@@ -85,7 +98,8 @@ std::string TextOfResult(HRESULT result) {
 }
 
 AutomationError ErrorOf(HRESULT result) {
-  return {NumberOf(result), TextOfResult(result)};
+  const std::int32_t number = NumberOf(result);
+  return {number, TextOfNumber(number, result)};
 }
 
 AutomationError ErrorLeftBy(HRESULT result) {
@@ -96,20 +110,17 @@ AutomationError ErrorLeftBy(HRESULT result) {
     info->GetDescription(description.Out());
     info->GetSource(source.Out());
   }
+  const std::int32_t number = NumberOf(result);
   std::string text = description.Text();
-  if (text.empty()) text = TextOfResult(result);
-  return {NumberOf(result), text, source.Text()};
+  if (text.empty()) text = TextOfNumber(number, result);
+  return {number, text, source.Text()};
 }
 
 AutomationError TakeError(EXCEPINFO& exception) {
   if (exception.pfnDeferredFillIn != nullptr) exception.pfnDeferredFillIn(&exception);
-  const std::int32_t number =
-      exception.wCode != 0 ? std::int32_t{exception.wCode} : NumberOf(exception.scode);
+  const std::int32_t number = NumberIn(exception);
   std::string description = TextOf(exception.bstrDescription);
-  if (description.empty()) {
-    description = exception.wCode != 0 ? DescriptionOf(RunTimeError::kAutomationError)
-                                       : TextOfResult(exception.scode);
-  }
+  if (description.empty()) description = TextOfNumber(number, exception.scode);
   AutomationError error(number, description, TextOf(exception.bstrSource));
   SysFreeString(exception.bstrSource);
   SysFreeString(exception.bstrDescription);

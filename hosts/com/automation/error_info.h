@@ -21,14 +21,16 @@ std::int32_t NumberOf(HRESULT result);
 // What Windows says of a result, without a line end; "Automation error" when it says nothing.
 std::string TextOfResult(HRESULT result);
 
-// The error that a failed result stands for.
+// The error that a failed result stands for: with the usual text of its number, or what Windows
+// says of it.
 AutomationError ErrorOf(HRESULT result);
 
 // The same for a call that leaves error information behind, where it did. Forget what an earlier
 // call left with SetErrorInfo before such a call.
 AutomationError ErrorLeftBy(HRESULT result);
 
-// The error that a called object put into an exception record; the record's texts are freed.
+// The error that a called object put into an exception record; the record's texts are freed. One
+// without a number is 440: a failure is never 0, which would read as success.
 AutomationError TakeError(EXCEPINFO& exception);
 
 // Raises the error of a failed result.

@@ -1,7 +1,8 @@
 #include "hosts/com/automation/variant_conversion.h"
 
-#include <limits>
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 #include "hosts/com/automation/dispatch_object.h"
 #include "hosts/com/automation/error_info.h"
@@ -75,10 +76,11 @@ bool IsOtherNumber(VARTYPE type) {
   }
 }
 
-Variant ArrayOfDoubles(SAFEARRAY* array) {
+Variant ArrayOfDoubles(SAFEARRAY* array, std::size_t most_elements) {
   const ArrayView view(array, VT_R8, 1);
+  const std::size_t extent = std::min(view.Extent(1), most_elements);
   const double* first = view.Elements<double>();
-  return Variant::DoubleArray(std::vector<double>(first, first + view.Extent(1)), view.Lower(1));
+  return Variant::DoubleArray(std::vector<double>(first, first + extent), view.Lower(1));
 }
 
 // An element as a variant of its own, to be converted like any other value.
@@ -92,19 +94,20 @@ Variant ElementAt(const void* place, VARTYPE type) {
   return FromVariant(reference);
 }
 
-Variant ArrayVariant(SAFEARRAY* array) {
+Variant ArrayVariant(SAFEARRAY* array, std::size_t most_elements) {
   VARTYPE type = VT_EMPTY;
   if (array == nullptr || SafeArrayGetDim(array) != 1 ||
       FAILED(SafeArrayGetVartype(array, &type)) || type == VT_RECORD) {
     return Variant::Missing{};
   }
-  if (type == VT_R8) return ArrayOfDoubles(array);
+  if (type == VT_R8) return ArrayOfDoubles(array, most_elements);
   const ArrayView view(array, type, 1);
   const std::size_t size = SafeArrayGetElemsize(array);
   const auto* place = view.Elements<const char>();
+  const std::size_t extent = std::min(view.Extent(1), most_elements);
   std::vector<Variant> elements;
-  elements.reserve(view.Extent(1));
-  for (std::size_t i = 0; i < view.Extent(1); ++i, place += size) {
+  elements.reserve(extent);
+  for (std::size_t i = 0; i < extent; ++i, place += size) {
     elements.push_back(ElementAt(place, type));
   }
   return Variant::Array(std::move(elements), view.Lower(1));
@@ -157,10 +160,10 @@ struct ToVariantVisitor {
 
 }  // namespace
 
-Variant FromVariant(const VARIANT& value) {
+Variant FromVariant(const VARIANT& value, std::size_t most_elements) {
   const VARIANT& held = Dereferenced(value);
   const VARTYPE type = V_VT(&held);
-  if ((type & VT_ARRAY) != 0) return ArrayVariant(ArrayIn(held));
+  if ((type & VT_ARRAY) != 0) return ArrayVariant(ArrayIn(held), most_elements);
   const auto plain = static_cast<VARTYPE>(type & ~VT_BYREF);
   if ((type & VT_BYREF) != 0 && V_BYREF(&held) == nullptr) return Variant::Missing{};
   if (plain == VT_DECIMAL || plain == VT_I1 || plain == VT_UI2) {

@@ -21,6 +21,13 @@ T& Required(T* argument) {
   return *argument;
 }
 
+// One more than the calibrator counts is refused like any larger number, so that no memory is spent
+// on a list of millions.
+Variant MassesIn(const VARIANT& masses) {
+  constexpr std::size_t kMostMasses = 32767;
+  return FromVariant(masses, kMostMasses + 1);
+}
+
 bool IsTrue(const VARIANT_BOOL* flag) {
   return flag != nullptr && *flag != VARIANT_FALSE;
 }
@@ -101,7 +108,7 @@ HRESULT CalibratorObject::GetAveragedTimesForCalibration(VARIANT varExpectedMass
     bool enable = IsTrue(&Required(bEnableAbImmuneCalib));
     double window = dPeakFindWindow == nullptr ? -1.0 : *dPeakFindWindow;
     const Variant times = calibrator_.GetAveragedTimesForCalibration(
-        FromVariant(varExpectedMasses), Required(nAvgSpectra), enable, window);
+        MassesIn(varExpectedMasses), Required(nAvgSpectra), enable, window);
     if (dPeakFindWindow != nullptr) *dPeakFindWindow = window;
     result = ToVariant(times).Detach();
   });
@@ -126,7 +133,7 @@ HRESULT CalibratorObject::calibrateTOFMassAxis(short* nAvgSpectra, VARIANT varEx
 
     Variant times = FromVariant(averaged);
     const auto fitted = calibrator_.calibrateTOFMassAxis(
-        Required(nAvgSpectra), FromVariant(varExpectedMasses), times, suppress, optional);
+        Required(nAvgSpectra), MassesIn(varExpectedMasses), times, suppress, optional);
 
     if (dPeakFindTimeWindow != nullptr) *dPeakFindTimeWindow = optional.dPeakFindTimeWindow;
     StoreInto(averaged, ToVariant(times));
