@@ -37,21 +37,23 @@ std::int32_t GetAveragedPeakAbundance(Instrument& instrument, double dMass, std:
   return Guarded(kRoutine, [&](TraceObj&) {
     double sum = 0.0;
     for (std::int32_t i = 1; i <= nSpectra; ++i) {
-      sum += instrument.spec_parser->GetPeakAttribute(PeakCalculationtype::abund, dMass,
-                                                      kMassTolerance);
+      sum = Add(sum, instrument.spec_parser->GetPeakAttribute(PeakCalculationtype::abund, dMass,
+                                                              kMassTolerance));
     }
     return ToInt32(Divide(sum, nSpectra));
   });
 }
 
 void LogIfOutsideBand(Instrument& instrument, AicLog& aic_log, std::int32_t massIdx,
-                      const CalibMassPeakData& record, std::int32_t max_allowable_abundance) {
-  const bool below = record.Abundance < AIC_TargetMinAb(instrument);
-  if (!below && record.Abundance <= max_allowable_abundance) return;
+                      const CalibMassPeakData& record, bool above_maximum) {
+  if (aic_log.stream == nullptr || !AicLogTakesLines(instrument, aic_log)) return;
+  const bool below_minimum = record.Abundance < AIC_TargetMinAb(instrument);
+  if (!below_minimum && !above_maximum) return;
   WriteToAICLog(instrument, aic_log,
                 "mass[" + std::to_string(massIdx) + "] stays " +
-                    (below ? "below the minimum" : "above the maximum") + ", [voltage,ab]=[" +
-                    NumberText(record.Voltage) + ", " + std::to_string(record.Abundance) + "]");
+                    (above_maximum ? "above the maximum" : "below the minimum") +
+                    ", [voltage,ab]=[" + NumberText(record.Voltage) + ", " +
+                    std::to_string(record.Abundance) + "]");
 }
 
 }  // namespace tof

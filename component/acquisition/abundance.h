@@ -20,9 +20,11 @@ void ReadAbundanceScalarsFromXML(Instrument& instrument, AicLog& aic_log,
 // rounded halves to even. 0 readings are a division of 0 by 0.
 std::int32_t GetAveragedPeakAbundance(Instrument& instrument, double dMass, std::int32_t nSpectra);
 
-// One line in the AIC log for a mass whose chosen abundance lies below the target minimum or above
-// the maximum: the search could do no better, and nothing else is done about it.
+// One line in the AIC log for a mass whose chosen abundance lies outside the band: the search could
+// do no better, and nothing else is done about it. Whether it is above the maximum the search
+// itself says, as only it knows the maximum that it compared with; the minimum is not scaled.
+// Nothing of the instrument's band is read while the log takes no lines.
 void LogIfOutsideBand(Instrument& instrument, AicLog& aic_log, std::int32_t massIdx,
-                      const CalibMassPeakData& record, std::int32_t max_allowable_abundance);
+                      const CalibMassPeakData& record, bool above_maximum);
 
 }  // namespace tof

@@ -24,7 +24,8 @@ void StoreSpectrum(const PeakAttribsTable& parsed, std::int32_t spectrum, Calibr
 // The last spectrum taken, for the bounds of its mass dimension.
 PeakAttribsTable TakeSpectra(Instrument& instrument, const Variant& masses, double window,
                              std::int16_t n_spectra, CalibrantData& data) {
-  // One spectrum is taken and not stored: the parser may need it to settle.
+  // One spectrum is taken and not stored, deliberately: without further spectra it alone says how
+  // many masses there are.
   PeakAttribsTable parsed = instrument.spec_parser->GetCalibrantPeakAttributes(masses, window);
   for (std::int32_t s = 0; s < n_spectra; ++s) {
     RaiseIfAborted(instrument);
@@ -39,10 +40,12 @@ PeakAttribsTable TakeSpectra(Instrument& instrument, const Variant& masses, doub
   return parsed;
 }
 
-BoundedArray<double> AveragedFlightTimes(const PeakAttribsTable& parsed, const PeakTable& peaks) {
+// In the order of the masses parsed for.
+BoundedArray<double> AveragedFlightTimes(const PeakAttribsTable& parsed, const PeakTable& peaks,
+                                         std::int32_t n_averaged) {
   BoundedArray<double> times(0, parsed.UBound(2));
   for (std::int32_t k = parsed.LBound(2); k <= times.UBound(); ++k) {
-    times(k) = peaks(k).AveragedAttribs(0).time;
+    times(k) = AveragedTime(peaks, k, n_averaged);
   }
   return times;
 }
@@ -57,7 +60,6 @@ Variant GetAveragedTimesForCalibration(Instrument& instrument, HostServices& hos
   constexpr Routine kRoutine{.name = "GetAveragedTimesForCalibration",
                              .on_error = OnError::kSwallow};
   return Guarded(kRoutine, [&](TraceObj& trace) -> Variant {
-    const Variant masses = MassesFromCaller(varExpectedMasses);
     InitializeTimesArray(nAvgSpectra, data.expected_masses, data.peaks);
     ReplaceDefaultPeakFindWindow(instrument, dPeakFindWindow);
     trace.TracePrint("dPeakFindTimeWindow = ", dPeakFindWindow);
@@ -66,10 +68,13 @@ Variant GetAveragedTimesForCalibration(Instrument& instrument, HostServices& hos
       return GetTimeSpannedCalibrantPeakTimes(instrument, host, oct_rf_setpoint_id, aic_log, data,
                                               nAvgSpectra, dPeakFindWindow);
     }
+    // Taken from the caller here alone: AIC measures the expected masses, whatever is passed.
+    const Variant masses = MassesFromCaller(varExpectedMasses);
     const PeakAttribsTable parsed =
         TakeSpectra(instrument, masses, dPeakFindWindow, nAvgSpectra, data);
-    AverageThePeakAttributes(instrument, host, aic_log, data.expected_masses, data.peaks);
-    return AveragedFlightTimes(parsed, data.peaks);
+    const std::int32_t n_averaged =
+        AverageThePeakAttributes(instrument, host, aic_log, data.expected_masses, data.peaks);
+    return AveragedFlightTimes(parsed, data.peaks, n_averaged);
   });
 }
 

@@ -67,7 +67,11 @@ void EnsureProperInstrumentStateForCalibration(Instrument& instrument, bool bSki
     if (bSkip) return;
     const Variant sample_rate = ReadSetpoint(instrument, setpoint::kSampleRate);
     const Variant gain_channel = ReadSetpoint(instrument, setpoint::kGainChannelSelect);
-    if (EqualsNumber(sample_rate, 2) && EqualsNumber(gain_channel, 3)) {
+    // Both are compared, whatever the first says: a gain channel that is no number is an error at
+    // every sample rate.
+    const bool at_rate = EqualsNumber(sample_rate, 2);
+    const bool in_channel = EqualsNumber(gain_channel, 3);
+    if (at_rate && in_channel) {
       WriteInt16(instrument, setpoint::kGainChannelSelect, 1);
     }
   });

@@ -5,6 +5,7 @@
 
 #include "component/acquisition/abundance.h"
 #include "component/acquisition/store_attributes.h"
+#include "component/automation/arithmetic.h"
 #include "component/automation/number_text.h"
 
 namespace tof {
@@ -38,18 +39,19 @@ void TraceAndLog(const SurveyContext& context, TraceObj& trace, const std::strin
 }
 
 void SearchByFirmware(const SurveyContext& context, TraceObj& trace,
-                      MassCalCoefficients& coefficients, Searched& searched) {
+                      const std::shared_ptr<MassCalCoefficients>& coefficients,
+                      Searched& searched) {
   Instrument& instrument = context.instrument;
   const double speed_up = CalibrationSetting(instrument, "AIC_SearchSpeedUpFactor");
   const double minimum = AIC_TargetMinAb(instrument);
   const double maximum = AIC_TargetMaxAb(instrument);
-  const double expected_ns = coefficients.MassToTime(searched.mass);
+  const double expected_ns = Need(coefficients).MassToTime(searched.mass);
   searched.setpoint_value =
       Need(instrument.factory->GetFirmwareLibrary())
           .BinarySearchForTargetAb(22, ToSingle(minimum), ToSingle(maximum), ToSingle(speed_up),
                                    0.1F, 20.0F, 160.0F, 1,
-                                   ToSingle(expected_ns - kHalfFirmwareWindowNs),
-                                   ToSingle(expected_ns + kHalfFirmwareWindowNs));
+                                   ToSingle(Subtract(expected_ns, kHalfFirmwareWindowNs)),
+                                   ToSingle(Add(expected_ns, kHalfFirmwareWindowNs)));
   // The setpoint to apply it to is read again rather than remembered.
   const RfVoltage to_use(instrument, context.host,
                          ToInt32(CalibrationSetting(instrument, "AIC_SetpointToUse")));
@@ -85,7 +87,7 @@ void AdjustLinearly(const SurveyContext& context, TraceObj& trace, const PerMass
   while (abundance > search.max_allowable_abundance && value >= search.lower_limit) {
     if (++steps > kMostLinearSteps) Raise(RunTimeError::kOverflow);
     TraceAndLog(context, trace, "dMassAbundance = " + std::to_string(abundance));
-    value -= kLinearStep;
+    value = Subtract(value, kLinearStep);
     context.rf.Write(value);
     context.rf.Settle();
     abundance = measure();
@@ -98,7 +100,7 @@ void AdjustLinearly(const SurveyContext& context, TraceObj& trace, const PerMass
 }
 
 void Search(const SurveyContext& context, TraceObj& trace, const PerMassSearch& search,
-            MassCalCoefficients& coefficients, Searched& searched) {
+            const std::shared_ptr<MassCalCoefficients>& coefficients, Searched& searched) {
   if (FlagIs(context.instrument, "AIC_RunFastVersion", "Yes")) {
     SearchByFirmware(context, trace, coefficients, searched);
   } else {
@@ -123,11 +125,11 @@ void StoreMass(const SurveyContext& context, TraceObj& trace, const PerMassSearc
   trace.TracePrint("massIdx[", searched.index, "] SPValue,Ab = [", searched.setpoint_value, ", ",
                    abundance, "]");
   LogIfOutsideBand(context.instrument, context.aic_log, searched.index, record,
-                   search.max_allowable_abundance);
+                   searched.abundance > search.max_allowable_abundance);
 }
 
 void FindVoltage(const SurveyContext& context, TraceObj& trace, const PerMassSearch& search,
-                 MassCalCoefficients& coefficients, Searched& searched) {
+                 const std::shared_ptr<MassCalCoefficients>& coefficients, Searched& searched) {
   Instrument& instrument = context.instrument;
   RaiseIfAborted(instrument);
   // The search of the mass before has moved the setpoint: each mass is judged at the value at
@@ -153,11 +155,12 @@ void FindVoltage(const SurveyContext& context, TraceObj& trace, const PerMassSea
 }  // namespace
 
 void SearchPerMass(const SurveyContext& context, TraceObj& trace, const PerMassSearch& search) {
+  // Used by the firmware's search alone: without it, an instrument that has none is no error.
   const auto coefficients = context.instrument.acq_controller->GetCurrentMassCalObject();
   const BoundedArray<double>& masses = AsDoubleArray(context.data.expected_masses);
   for (std::int32_t m = masses.LBound(); m <= masses.UBound(); ++m) {
     Searched searched{.index = m, .mass = masses(m)};
-    FindVoltage(context, trace, search, Need(coefficients), searched);
+    FindVoltage(context, trace, search, coefficients, searched);
     StoreMass(context, trace, search, searched);
   }
 }

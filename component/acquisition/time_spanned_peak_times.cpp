@@ -35,7 +35,7 @@ RfRange ReadRange(Instrument& instrument) {
 }
 
 void LogSteps(const Acquisition& run, const RfRange& range) {
-  const std::string steps = NumberText(Divide(range.high - range.low, range.step));
+  const std::string steps = NumberText(Divide(Subtract(range.high, range.low), range.step));
   run.Log("NumSteps calculated to be " + steps + "; ReDim(" + steps + ")");
 }
 
@@ -73,10 +73,10 @@ void StoreMeasuredTimes(const Acquisition& run) {
   }
 }
 
-BoundedArray<double> AveragedTimes(TraceObj& trace, const PeakTable& peaks,
+BoundedArray<double> AveragedTimes(TraceObj& trace, const PeakTable& peaks, std::int32_t n_averaged,
                                    BoundedArray<double> result) {
   for (std::int32_t k = peaks.LBound(); k <= peaks.UBound(); ++k) {
-    result(k) = peaks(k).AveragedAttribs(0).time;
+    result(k) = AveragedTime(peaks, k, n_averaged);
   }
   trace.TracePrint("Saving varAveragedTimes[", result.LBound(), ", ", result.UBound(),
                    "] to GetTimeSpannedCalibrantPeakTimes[", result.LBound(), ", ", result.UBound(),
@@ -111,10 +111,11 @@ Variant GetTimeSpannedCalibrantPeakTimes(Instrument& instrument, HostServices& h
     StoreMeasuredTimes(run);
     rf.Write(entry_value);
     const BoundedArray<double> result(0, last_mass);
-    AverageThePeakAttributes(instrument, host, aic_log, data.expected_masses, data.peaks);
+    const std::int32_t n_averaged =
+        AverageThePeakAttributes(instrument, host, aic_log, data.expected_masses, data.peaks);
     WriteDataToSpotFireLog(instrument, host, data.peaks);
     trace.TracePrint("1.2.3");
-    Variant times = AveragedTimes(trace, data.peaks, result);
+    Variant times = AveragedTimes(trace, data.peaks, n_averaged, result);
     SetDisplay(run, true, "Unfreeze");
     return times;
   });

@@ -16,14 +16,14 @@ struct Choice {
 using Choices = BoundedArray<Choice>;
 
 Survey PlannedSurvey(const RfRange& range, std::int32_t last_mass) {
-  const std::int32_t n_steps = ToInt16(Divide(range.high - range.low, range.step));
+  const std::int32_t n_steps = ToInt16(Divide(Subtract(range.high, range.low), range.step));
   Survey survey(0, n_steps);
   double voltage = range.low;
-  for (VoltageSurveyPoint& point : survey) {
-    point.Voltage = voltage;
-    point.Times.ReDim(0, last_mass);
-    point.Abundances.ReDim(0, last_mass);
-    voltage += range.step;
+  for (std::int32_t step = 0; step <= n_steps; ++step) {
+    if (step != 0) voltage = Add(voltage, range.step);
+    survey(step).Voltage = voltage;
+    survey(step).Times.ReDim(0, last_mass);
+    survey(step).Abundances.ReDim(0, last_mass);
   }
   return survey;
 }
@@ -90,7 +90,7 @@ void RampVoltage(const SurveyContext& context, TraceObj& trace, const RfRange& r
     }
   }
   for (std::int32_t m = 0; m <= last_mass; ++m) {
-    LogIfOutsideBand(instrument, context.aic_log, m, data.peaks(m), max_allowable_abundance);
+    LogIfOutsideBand(instrument, context.aic_log, m, data.peaks(m), !choices(m).stored);
   }
 }
 

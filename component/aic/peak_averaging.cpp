@@ -1,10 +1,11 @@
 #include "component/aic/peak_averaging.h"
 
 #include <array>
+#include <limits>
 #include <string>
+#include <utility>
 
 #include "component/automation/arithmetic.h"
-#include "component/automation/convert.h"
 #include "component/automation/number_text.h"
 #include "component/calibrator/log_paths.h"
 #include "component/trace/guarded.h"
@@ -16,12 +17,26 @@ using Averaged = BoundedArray<PeakAttribs>;  // [row 0..1]
 
 void AddMeasurement(const CalibMassPeakData& record, std::int32_t measurement, Averaged& sums) {
   const PeakAttribs& row0 = record.SpectrumAttribs(measurement, 0);
-  sums(0).time += row0.time;
-  sums(0).attribute48 += row0.attribute48;
+  sums(0).time = Add(sums(0).time, row0.time);
+  sums(0).attribute48 = Add(sums(0).attribute48, row0.attribute48);
   const PeakAttribs& row1 = record.SpectrumAttribs(measurement, 1);
-  sums(1).attribute32 += row1.attribute32;
-  sums(1).time += row1.time;
-  sums(1).abundance += row1.abundance;
+  sums(1).attribute32 = Add(sums(1).attribute32, row1.attribute32);
+  sums(1).time = Add(sums(1).time, row1.time);
+  sums(1).abundance = Add(sums(1).abundance, row1.abundance);
+}
+
+// Of mass 0, for all masses. 0 without masses: the report then has no line to write.
+std::int32_t NumberOfMeasurements(const PeakTable& peaks) {
+  if (peaks.IsDimensioned() && peaks.size() == 0) return 0;
+  return peaks(0).SpectrumAttribs.UBound(1) + 1;
+}
+
+// For the diagnostics alone: NaN where there is none.
+double ExpectedMass(const Variant& expected_masses, std::int32_t mass_index) {
+  const auto* masses = expected_masses.As<Variant::DoubleArray>();
+  const bool has = masses != nullptr && masses->IsDimensioned() && mass_index >= masses->LBound() &&
+                   mass_index <= masses->UBound();
+  return has ? (*masses)(mass_index) : std::numeric_limits<double>::quiet_NaN();
 }
 
 void DivideBy(double count, Averaged& sums) {
@@ -32,10 +47,12 @@ void DivideBy(double count, Averaged& sums) {
   sums(1).abundance = Divide(sums(1).abundance, count);
 }
 
+// A diagnostic, which must not end the averaging: plain arithmetic, so that what cannot be computed
+// is traced as NaN or Infinity.
 void TraceAssignment(TraceObj& trace, const char* what, double assigned_mass,
                      double expected_mass) {
   const double delta = assigned_mass - expected_mass;
-  const double ppm = Divide(delta, expected_mass) * 1e6;
+  const double ppm = delta / expected_mass * 1e6;
   trace.TracePrint("ReportDebug::", what, " to ReportCalibData File.  MassAssignment[",
                    assigned_mass, "]MassDelta[", delta, "]PPM[", ppm, "]");
 }
@@ -77,46 +94,65 @@ void WriteTuneReport(Instrument& instrument, HostServices& host, const TuneRepor
   Need(file).Close();
 }
 
+// What is traced of a mass while it is averaged.
+enum class Diagnostics { kNone, kAverage, kAverageAndMeasurements };
+
+Diagnostics WantedDiagnostics(Instrument& instrument, bool is_last_mass) {
+  if (!FlagIs(instrument, "TraceAICPeakAttributes", "Yes")) return Diagnostics::kNone;
+  return is_last_mass ? Diagnostics::kAverageAndMeasurements : Diagnostics::kAverage;
+}
+
 // The averages of one mass. Accumulated in a copy, which starts from what is stored: an
 // interruption leaves the record as it was.
-void AverageOneMass(TraceObj& trace, bool trace_averages, bool trace_measurements,
-                    double expected_mass, std::int32_t n_measurements, CalibMassPeakData& record) {
+void AverageOneMass(TraceObj& trace, Diagnostics diagnostics, double expected_mass,
+                    std::int32_t n_measurements, CalibMassPeakData& record) {
   Averaged sums = record.AveragedAttribs;
   for (std::int32_t k = 0; k < n_measurements; ++k) {
     AddMeasurement(record, k, sums);
-    if (trace_measurements) {
+    if (diagnostics == Diagnostics::kAverageAndMeasurements) {
       TraceAssignment(trace, "Averaging values to be written", record.SpectrumAttribs(k, 1).time,
                       expected_mass);
     }
   }
   DivideBy(n_measurements, sums);
-  record.AveragedAttribs = sums;
-  if (trace_averages) {
-    TraceAssignment(trace, "Averaged value being written", sums(1).time, expected_mass);
-  }
+  record.AveragedAttribs = std::move(sums);
 }
 
 }  // namespace
 
-void AverageThePeakAttributes(Instrument& instrument, HostServices& host, AicLog& aic_log,
-                              const Variant& expected_masses, PeakTable& peaks) {
+std::int32_t AverageThePeakAttributes(Instrument& instrument, HostServices& host, AicLog& aic_log,
+                                      const Variant& expected_masses, PeakTable& peaks) {
   constexpr Routine kRoutine{.name = "AverageThePeakAttributes", .on_error = OnError::kSwallow};
+  std::int32_t n_averaged = 0;
   Guarded(kRoutine, [&](TraceObj& trace) {
-    const BoundedArray<double>& masses = AsDoubleArray(expected_masses);
-    const std::int32_t n_measurements = peaks(0).SpectrumAttribs.UBound(1) + 1;
+    const std::int32_t n_measurements = NumberOfMeasurements(peaks);
     WriteToAICLog(instrument, aic_log,
                   "Averages (and times used for averaging) [MassIdx, Average, TOFs]");
     TuneReport report;
     for (std::int32_t m = peaks.LBound(); m <= peaks.UBound(); ++m) {
-      const bool traced = FlagIs(instrument, "TraceAICPeakAttributes", "Yes");
-      AverageOneMass(trace, traced, traced && m == peaks.UBound(), masses(m), n_measurements,
-                     peaks(m));
+      const Diagnostics diagnostics = WantedDiagnostics(instrument, m == peaks.UBound());
+      const double expected_mass = ExpectedMass(expected_masses, m);
+      AverageOneMass(trace, diagnostics, expected_mass, n_measurements, peaks(m));
+      ++n_averaged;
+      if (diagnostics != Diagnostics::kNone) {
+        TraceAssignment(trace, "Averaged value being written", peaks(m).AveragedAttribs(1).time,
+                        expected_mass);
+      }
       WriteToAICLog(instrument, aic_log, AicLogLine(m, peaks(m), n_measurements));
       report.Append(peaks(m));
     }
     WriteToAICLog(instrument, aic_log, "AIC; writing file with Calibration data for Tune Report");
     WriteTuneReport(instrument, host, report);
   });
+  return n_averaged;
+}
+
+double AveragedTime(const PeakTable& peaks, std::int32_t mass_index, std::int32_t n_averaged) {
+  const CalibMassPeakData& record = peaks(mass_index);
+  const double stored = record.AveragedAttribs(0).time;
+  const bool was_measured = record.SpectrumAttribs.UBound(1) >= record.SpectrumAttribs.LBound(1);
+  const bool missing = was_measured && mass_index >= n_averaged;
+  return missing ? std::numeric_limits<double>::quiet_NaN() : stored;
 }
 
 }  // namespace tof

@@ -50,7 +50,6 @@ void CollectAdditionalPointsForPurposesOfAveraging_byMass(Instrument& instrument
                              .on_error = OnError::kTraceAndRaise};
   Guarded(kRoutine, [&](TraceObj& trace) {
     TakeWindow(instrument, trace, dPeakFindTimeWindow);
-    const Bounds measurements = Measurements(peaks);
     std::string flight_times;
     std::string abundances;
     for (std::int32_t m = peaks.LBound(); m <= peaks.UBound(); ++m) {
@@ -61,6 +60,8 @@ void CollectAdditionalPointsForPurposesOfAveraging_byMass(Instrument& instrument
       ShowSpectrumPeriodically(instrument, host, rf, aic_log, display_counter);
       rf.Write(peaks(m).Voltage);
       for (int i = 0; i < kSettlePeriodsPerMass; ++i) rf.Settle();
+      // Asked for here, not before: without masses there is no mass 0 to ask.
+      const Bounds measurements = Measurements(peaks);
       for (std::int32_t k = measurements.lower; k <= measurements.upper; ++k) {
         const PeakAttribsTable parsed = instrument.spec_parser->GetCalibrantPeakAttributes(
             expected_masses, dPeakFindTimeWindow);

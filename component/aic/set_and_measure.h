@@ -7,8 +7,6 @@
 
 namespace tof {
 
-using Survey = BoundedArray<VoltageSurveyPoint>;
-
 // Sets each voltage in turn, takes one spectrum and fills in the flight times and abundances. With
 // the flag "ObfuscateCalibAlg" at "2" the order is random and the display is shown now and then.
 // The caller sizes the points' arrays. Never raises: what was measured stays, the rest keeps what

@@ -80,7 +80,7 @@ void FindRFVoltageCloserToTargetAbundance(const TargetSearch& search, PeakTable&
     ToInt32(SquareRoot(stepSize));
     trace.TracePrint("1");
     CalibMassPeakData& record = peaks(massIdx);
-    const double end = record.Voltage + stepSize - 1;
+    const double end = Subtract(Add(record.Voltage, stepSize), 1);
     // Two blanks before the first equals sign: deliberate.
     trace.TracePrint("m_PeakAttribsOfCalibMassesAtTargetVoltages(massIdx).Voltage  = ",
                      record.Voltage);
@@ -90,7 +90,7 @@ void FindRFVoltageCloserToTargetAbundance(const TargetSearch& search, PeakTable&
     trace.TracePrint("2");
     abundances(abundances.LBound()) = record.Abundance;
     trace.TracePrint("3");
-    MeasureVolts(search, trace, massIdx, ToInt32(record.Voltage + 1), abundances);
+    MeasureVolts(search, trace, massIdx, ToInt32(Add(record.Voltage, 1)), abundances);
     trace.TracePrint("10");
     const double old_voltage = record.Voltage;
     const std::int32_t old_abundance = record.Abundance;

@@ -4,6 +4,7 @@
 #include <limits>
 #include <vector>
 
+#include "component/automation/arithmetic.h"
 #include "component/automation/error.h"
 #include "component/calibration/exchange_order.h"
 
@@ -42,7 +43,7 @@ void SortByA(CandidateTable& table) {
 
 void FillGoodness(CandidateTable& table) {
   for (std::int32_t i = table.LBound() + 1; i <= table.UBound(); ++i) {
-    table(i).goodness = table(i).a - table(i - 1).a;
+    table(i).goodness = Subtract(table(i).a, table(i - 1).a);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "component/automation/arithmetic.h"
 #include "component/automation/convert.h"
 #include "component/trace/guarded.h"
 
@@ -11,13 +12,15 @@ namespace tof {
 bool CoefficientsArePlausible(const CoefficientRecord& coefficients,
                               const CoefficientLimits& limits) {
   // In the same units as the likely A, per us, and back: the rounding is part of the comparison.
-  const double nominal_a = limits.nominal_a * 1000 / 1000;
-  const double a_tolerance = limits.allowed_a_fraction * limits.nominal_a * 1000 / 1000;
-  const double t0_low_ns = limits.nominal_t0_us * (1 - limits.allowed_t0_fraction) * 1000;
-  const double t0_high_ns =
-      (limits.nominal_t0_us * limits.allowed_t0_fraction + limits.nominal_t0_us) * 1000;
+  const double nominal_a = Multiply(limits.nominal_a, 1000) / 1000;
+  const double a_tolerance =
+      Multiply(Multiply(limits.allowed_a_fraction, limits.nominal_a), 1000) / 1000;
+  const double t0_low_ns =
+      Multiply(Multiply(limits.nominal_t0_us, Subtract(1, limits.allowed_t0_fraction)), 1000);
+  const double t0_high_ns = Multiply(
+      Add(Multiply(limits.nominal_t0_us, limits.allowed_t0_fraction), limits.nominal_t0_us), 1000);
 
-  const bool a_holds = std::fabs(coefficients[0] - nominal_a) < a_tolerance;
+  const bool a_holds = std::fabs(Subtract(coefficients[0], nominal_a)) < a_tolerance;
   const bool t0_above = t0_low_ns < coefficients[1];
   const bool t0_below = coefficients[1] < t0_high_ns;
   const bool terms_hold = std::all_of(coefficients.begin() + 2, coefficients.end(),

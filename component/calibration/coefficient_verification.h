@@ -15,7 +15,8 @@ struct CoefficientLimits {
 
 // Nine strict tests, all of which must hold; a NaN fails the test it meets. For a negative nominal
 // t0 only a negative fraction leaves an interval between the two t0 bounds; for a negative nominal
-// A nothing passes. Both follow from the comparisons and are kept.
+// A nothing passes. Both follow from the comparisons and are kept. A limit beyond the doubles is
+// error 6.
 bool CoefficientsArePlausible(const CoefficientRecord& coefficients,
                               const CoefficientLimits& limits);
 

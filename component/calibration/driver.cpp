@@ -23,14 +23,23 @@ bool TakesTermsFromSettings(double dTradWeighting) {
 constexpr const char* kLoadingDefaults =
     "Loading default calib coefficients because alg seems to have chosen really bad ones.";
 
+// Doubles from index 0; a list that is no list of masses stays as the caller passed it.
+Variant RebasedIfUsable(const Variant& masses) {
+  try {
+    return MassesFromCaller(masses);
+  } catch (const AutomationError&) {
+    return masses;
+  }
+}
+
 // The mean raw flight time of each mass, in the time field that held its assigned mass.
 void AverageMeasuredTimes(const MeasuredTimes& times, PeakTable& peaks) {
-  const double n_spectra = times.UBound(1) - times.LBound(1) + 1.0;
+  const double n_spectra = double{1} + times.UBound(1) - times.LBound(1);
   for (std::int32_t m = peaks.LBound(); m <= peaks.UBound(); ++m) {
     if (!peaks(m).AveragedAttribs.IsDimensioned()) continue;
     double& mean = peaks(m).AveragedAttribs(1).time;
     mean = 0.0;
-    for (std::int32_t s = times.LBound(1); s <= times.UBound(1); ++s) mean += times(s, m);
+    for (std::int32_t s = times.LBound(1); s <= times.UBound(1); ++s) mean = Add(mean, times(s, m));
     mean = Divide(mean, n_spectra);
   }
 }
@@ -76,9 +85,11 @@ class Calibration {
 
 Coefficients Calibration::Run() {
   StorePreAutotuneInstrumentState(instrument_, state_.instrument_state);
-  state_.data.expected_masses = MassesFromCaller(arguments_.varExpectedMasses);
-  // Leaves the state stored above as it is, deliberately: nothing has been changed yet.
+  state_.data.expected_masses = RebasedIfUsable(arguments_.varExpectedMasses);
+  // Leaves the state stored above as it is, deliberately: nothing has been changed yet. An unusable
+  // list is no error here either, as nothing uses it.
   if (IsSwitchedOff()) return nullptr;
+  state_.data.expected_masses = MassesFromCaller(state_.data.expected_masses);
   DecideOnAic();
   EnsureProperInstrumentStateForCalibration(instrument_, !bEnableAbImmuneCalib_);
   if (bEnableAbImmuneCalib_) PrepareAic();

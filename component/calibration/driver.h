@@ -12,7 +12,7 @@
 
 namespace tof {
 
-// What the caller of a calibration passes; the last two come back changed.
+// What the caller of a calibration passes.
 struct CalibrationArguments {
   std::int16_t nAvgSpectra = 0;       // spectra averaged per mass
   const Variant& varExpectedMasses;   // calibrant masses, m/z
@@ -20,7 +20,7 @@ struct CalibrationArguments {
   bool bSuppressAbImmuneCalib = false;
   bool bThisIsAManualCalibration = false;
   double dTradWeighting = -1.0;  // -1: not given
-  double& dPeakFindTimeWindow;   // -1: replaced by the instrument's setting
+  double& dPeakFindTimeWindow;   // in and out; -1: replaced by the instrument's setting
 };
 
 // What outlives one calibration. Each part says who writes it.

@@ -18,15 +18,20 @@ constexpr std::int32_t kFewestPeaks = 3;
 constexpr std::int16_t kFewestCandidates = 3;
 constexpr std::int32_t kRunning = 2;
 
+// Counting with 16 bits: error 6 beyond 32,767.
+std::int16_t Next(std::int16_t counter) {
+  return ToInt16(counter + 1.0);
+}
+
 // What a pass over the candidates accepted.
 struct Accepted {
   double sum_of_a = 0.0;
   std::int16_t count = 0;
   std::string listing;  // for the trace, built only while it is on
 
-  void Add(double a) {
-    sum_of_a += a;
-    count = ToInt16(count + 1.0);
+  void Accept(double a) {
+    sum_of_a = Add(sum_of_a, a);
+    count = Next(count);
   }
 };
 
@@ -107,9 +112,10 @@ Accepted FirstPass(TraceObj& trace, const CandidateTable& Data, std::int32_t n_p
     trace.TracePrint(
         "Abs(dTargetA - Data(idx, A)) < Abs(dTargetA * dAllowablePercentError) ==> Abs(", dTargetA,
         " - ", row.a, ") < Abs(", dTargetA, " * ", dAllowablePercentError, ")");
-    const bool near = std::fabs(dTargetA - row.a) < std::fabs(dTargetA * dAllowablePercentError);
+    const bool near = std::fabs(Subtract(dTargetA, row.a)) <
+                      std::fabs(Multiply(dTargetA, dAllowablePercentError));
     AppendToListing(trace, accepted, near ? "[x]" : "[ ]", row);
-    if (near) accepted.Add(row.a);
+    if (near) accepted.Accept(row.a);
   }
   trace.TracePrint(accepted.listing);
   return accepted;
@@ -119,14 +125,16 @@ Accepted FirstPass(TraceObj& trace, const CandidateTable& Data, std::int32_t n_p
 // with fewer than 13 rows is a subscript error: deliberate, it ends the estimate.
 Accepted LoosenedPass(TraceObj& trace, const CandidateTable& Data, double dAllowablePercentError) {
   constexpr std::int32_t kRows = 10;
+  constexpr double kLoosening = 1.5;
   Accepted accepted;
   for (std::int32_t idx = Data.LBound() + 1; idx <= Data.LBound() + kRows; ++idx) {
     const Candidate& row = Data(idx);
-    const double mean3 = (row.a + Data(idx + 1).a + Data(idx + 2).a) / 3.0;
-    const bool near = std::fabs(row.a - mean3) < std::fabs(dAllowablePercentError * 1.5 * row.a);
+    const double mean3 = Add(Add(row.a, Data(idx + 1).a), Data(idx + 2).a) / 3.0;
+    const double tolerance = Multiply(Multiply(dAllowablePercentError, kLoosening), row.a);
+    const bool near = std::fabs(Subtract(row.a, mean3)) < std::fabs(tolerance);
     // No blank between the brackets here, unlike the first pass.
     AppendToListing(trace, accepted, near ? "[x]" : "[]", row);
-    if (near) accepted.Add(row.a);
+    if (near) accepted.Accept(row.a);
   }
   trace.TracePrint(accepted.listing);
   return accepted;
@@ -136,7 +144,7 @@ Accepted LoosenedPass(TraceObj& trace, const CandidateTable& Data, double dAllow
 // force.
 bool AverageCandidates(Instrument& instrument, TraceObj& trace, const CandidateTable& Data,
                        std::int32_t n_peaks, double& dLikelyA) {
-  const double dTargetA = instrument.acq_controller->GetCurrentA() * 1000.0;
+  const double dTargetA = Multiply(instrument.acq_controller->GetCurrentA(), 1000.0);
   trace.TracePrint("dTargetA = ", dTargetA);
   const double dAllowablePercentError =
       CalibrationSetting(instrument, "TargetAPercentError" + FpsSuffix(instrument));
@@ -149,7 +157,8 @@ bool AverageCandidates(Instrument& instrument, TraceObj& trace, const CandidateT
   dLikelyA = accepted.sum_of_a;
   if (accepted.count < kFewestCandidates) return false;
   dLikelyA /= accepted.count;
-  return !(2 * dAllowablePercentError < Divide(std::fabs(dTargetA - dLikelyA), dTargetA));
+  const double distance = Divide(std::fabs(Subtract(dTargetA, dLikelyA)), dTargetA);
+  return !(Multiply(2, dAllowablePercentError) < distance);
 }
 
 bool EstimateLikelyA(Instrument& instrument, TraceObj& trace, double& dLikelyA, double dt0,
@@ -180,12 +189,13 @@ Routine PairingStep(std::string_view name) {
 }
 
 bool LikelyAAndT0(Instrument& instrument, HostServices& host, TraceObj& trace, double& dLikelyA,
-                  double& dt0, const Variant& varExpectedMasses) {
+                  double& dt0, const Variant& varExpectedMasses, bool& skipped) {
   SetScintillatorToZero(instrument, trace);
   const bool missing = varExpectedMasses.As<Variant::Missing>() != nullptr;
   const BoundedArray<double> masses =
       missing ? InstrumentCalibrantMasses(instrument) : MassesFromCaller(varExpectedMasses);
-  if (CalibrationIsSkipped(instrument, trace)) return false;
+  skipped = CalibrationIsSkipped(instrument, trace);
+  if (skipped) return false;
   if (FlagIs(instrument, "SkipCalcLikelyABeforeCalibration", "Yes")) {
     trace.TracePrint("Skipping LikelyA based on XML flag being set");
     dLikelyA = TextToDouble(Flag(instrument, "SkipCalcLikelyABeforeCalibration_LikelyA"));
@@ -209,18 +219,21 @@ bool LikelyAAndT0(Instrument& instrument, HostServices& host, TraceObj& trace, d
 }  // namespace
 
 bool CalculateLikelyAAndt0Values(Instrument& instrument, HostServices& host, double& dLikelyA,
-                                 double& dt0, const Variant& varExpectedMasses) {
+                                 double& dt0, const Variant& varExpectedMasses, bool* bSkipped) {
   constexpr Routine kRoutine{.name = "CalculateLikelyAAndt0Values",
                              .on_error = OnError::kSwallow,
                              .error_line = ErrorLine::kNameFirst,
                              .level = 2,
                              .name_in_error_line = "CalculateLIkelyAAndt0Values"};
-  return Guarded(
+  bool skipped = false;
+  const bool found = Guarded(
       kRoutine,
       [&](TraceObj& trace) {
-        return LikelyAAndT0(instrument, host, trace, dLikelyA, dt0, varExpectedMasses);
+        return LikelyAAndT0(instrument, host, trace, dLikelyA, dt0, varExpectedMasses, skipped);
       },
       [&](const AutomationError&, TraceObj&) { host.ShowMessageBox("Error"); });
+  if (bSkipped != nullptr) *bSkipped = skipped;
+  return found;
 }
 
 void CalibrateProcedureA(Instrument& instrument, CandidateTable& Data,
@@ -228,17 +241,18 @@ void CalibrateProcedureA(Instrument& instrument, CandidateTable& Data,
                          double dt0) {
   Guarded(PairingStep("CalibrateProcedureA"), [&](TraceObj& trace) {
     if (CalibrationIsSkipped(instrument, trace)) return;
-    // The pairing counts with 16 bits.
-    const std::int16_t n_peaks = ToInt16(Variant(peakListInNanoseconds.Count()));
+    const std::int32_t n_peaks = peakListInNanoseconds.Count();
     std::int32_t row = 0;
-    for (std::int32_t m = masses.LBound(); m <= masses.UBound(); ++m) {
-      for (std::int32_t p = 0; p < n_peaks; ++p) {
+    // Masses and peaks are counted with 16 bits. What was paired before a counter passes 32,767
+    // stays.
+    for (std::int16_t m = ToInt16(Variant(masses.LBound())); m <= masses.UBound(); m = Next(m)) {
+      for (std::int16_t p = 0; p < n_peaks; p = Next(p)) {
         const double time_ns = peakListInNanoseconds.GetRecord(p).position;
-        const double flight_us = time_ns / 1000.0 - dt0;
+        const double flight_us = Subtract(time_ns / 1000.0, dt0);
         Candidate& candidate = Data(row);
         candidate.assumed_mass = masses(m);
         candidate.time_ns = time_ns;
-        candidate.a = SquareRoot(Divide(masses(m), flight_us * flight_us));
+        candidate.a = SquareRoot(Divide(masses(m), Multiply(flight_us, flight_us)));
         ++row;
       }
     }
@@ -260,14 +274,14 @@ void ApplyLikelyAAt0Coefficients(Instrument& instrument, HostServices& host,
   Guarded(kRoutine, [&](TraceObj&) {
     double dLikelyA = 0.0;
     double dt0 = 0.0;
-    if (CalculateLikelyAAndt0Values(instrument, host, dLikelyA, dt0, varExpectedMasses)) {
+    bool skipped = false;
+    if (CalculateLikelyAAndt0Values(instrument, host, dLikelyA, dt0, varExpectedMasses, &skipped)) {
       instrument.acq_controller->SetLikelyAAndT0(dLikelyA, dt0);
-    } else if (!(bThisIsAManualCalibration &&
-                 FlagIs(instrument, "SkipTOFCalibrationDuringAutotunes", "Yes"))) {
+    } else if (!(bThisIsAManualCalibration && skipped)) {
       throw AutomationError(-822, "Failed to find a Likely A and t0 value", "calibrateTOFMassAxis");
     }
-    // In a manual calibration under the flag that skips autotune calibrations there is no estimate:
-    // the run goes on from the coefficients in force.
+    // In a manual calibration under the flag that skips autotune calibrations the estimate is
+    // skipped: the run goes on from the coefficients in force.
     RaiseIfAborted(instrument);
   });
 }

@@ -11,12 +11,14 @@ namespace tof {
 // True when a likely A was found, or is supplied by the flags that skip the estimate; `dLikelyA`
 // and `dt0` then hold the values. False otherwise; `dLikelyA` then must not be used.
 // `varExpectedMasses` may be missing: the instrument's own calibrants are used. A fault shows a
-// message box and answers False. Waits for the instrument to be ready, without a limit.
+// message box and answers False. Waits for the instrument to be ready, without a limit. `bSkipped`
+// tells the False of the flag that switches autotune calibrations off from any other.
 bool CalculateLikelyAAndt0Values(Instrument& instrument, HostServices& host, double& dLikelyA,
-                                 double& dt0, const Variant& varExpectedMasses);
+                                 double& dt0, const Variant& varExpectedMasses,
+                                 bool* bSkipped = nullptr);
 
 // Pairs every mass with every peak, rows grouped by mass. A fault leaves the remaining rows as they
-// are.
+// are; more masses or peaks than 16 bits count are one, as soon as the count passes 32,767.
 void CalibrateProcedureA(Instrument& instrument, CandidateTable& Data,
                          PeakList& peakListInNanoseconds, const BoundedArray<double>& masses,
                          double dt0);
@@ -24,8 +26,9 @@ void CalibrateProcedureA(Instrument& instrument, CandidateTable& Data,
 void CalibrateProcedureB(CandidateTable& Data);
 void CalibrateProcedureC(CandidateTable& Data);
 
-// Hands the likely A and t0 to the acquisition controller. Error -822 when there are none, error 1
-// when an abort was requested meanwhile.
+// Hands the likely A and t0 to the acquisition controller. Error -822 when there are none, unless
+// the estimate of a manual calibration was skipped by the flag that switches autotune calibrations
+// off; error 1 when an abort was requested meanwhile.
 void ApplyLikelyAAt0Coefficients(Instrument& instrument, HostServices& host,
                                  bool bThisIsAManualCalibration, const Variant& varExpectedMasses);
 

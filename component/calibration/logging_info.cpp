@@ -46,7 +46,7 @@ CalculatedMasses AppendRows(TraceObj& trace, MassCalCoefficients& coefficients,
     sections.errors += std::to_string(i);
     for (std::int32_t j = times.LBound(2); j <= times.UBound(2); ++j) {
       const double mass = coefficients.TimeToMass(times(i, j));
-      const double error_ppm = Divide(mass - expected(j), expected(j)) * 1000000;
+      const double error_ppm = Multiply(Divide(Subtract(mass, expected(j)), expected(j)), 1000000);
       calculated.masses(i, j) = mass;
       calculated.errors_ppm(i, j) = error_ppm;
       sections.times += ", " + NumberText(times(i, j));

@@ -46,6 +46,16 @@ void Join(PeakList& lower, PeakList& upper, PeakList& joined) {
   }
 }
 
+// Leaves no entries, or no list where it cannot be emptied: entries without a peak would pass for
+// peaks at time 0.
+void GiveUp(std::shared_ptr<PeakList>& list) {
+  try {
+    if (list != nullptr) list->Initialize();
+  } catch (...) {
+    list = nullptr;
+  }
+}
+
 struct Partition {
   Range lower;
   Range upper;
@@ -92,19 +102,25 @@ void GetPeakListsForLikelyACalculation(Instrument& instrument,
   constexpr Routine kRoutine{.name = "GetPeakListsForLikelyACalculation",
                              .on_error = OnError::kSwallow,
                              .error_line = ErrorLine::kNameFirst};
-  Guarded(kRoutine, [&](TraceObj&) {
-    const Range whole{instrument.data_dictionary->GetAcqStartTime() * 1000.0,
-                      instrument.data_dictionary->GetAcqEndTime() * 1000.0};
-    peakListInNanoseconds = SizedList(instrument, nNumPeaksSought);
-    peakList = SizedList(instrument, nNumPeaksSought);
-    if (FlagIs(instrument, "CalcLikelyA_PartitionSpec", "Yes")) {
-      FillPartitioned(instrument, PartitionOf(instrument, whole, masses), nNumPeaksSought,
-                      *peakListInNanoseconds, *peakList);
-      return;
-    }
-    FindPreparedPeaks(instrument, whole, nNumPeaksSought, peakListInNanoseconds);
-    FindPreparedPeaks(instrument, whole, nNumPeaksSought, peakList);
-  });
+  Guarded(
+      kRoutine,
+      [&](TraceObj&) {
+        const Range whole{instrument.data_dictionary->GetAcqStartTime() * 1000.0,
+                          instrument.data_dictionary->GetAcqEndTime() * 1000.0};
+        peakListInNanoseconds = SizedList(instrument, nNumPeaksSought);
+        peakList = SizedList(instrument, nNumPeaksSought);
+        if (FlagIs(instrument, "CalcLikelyA_PartitionSpec", "Yes")) {
+          FillPartitioned(instrument, PartitionOf(instrument, whole, masses), nNumPeaksSought,
+                          *peakListInNanoseconds, *peakList);
+          return;
+        }
+        FindPreparedPeaks(instrument, whole, nNumPeaksSought, peakListInNanoseconds);
+        FindPreparedPeaks(instrument, whole, nNumPeaksSought, peakList);
+      },
+      [&](const AutomationError&, TraceObj&) {
+        GiveUp(peakListInNanoseconds);
+        GiveUp(peakList);
+      });
 }
 
 }  // namespace tof

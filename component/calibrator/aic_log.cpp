@@ -8,11 +8,14 @@ bool AicLoggingEnabled(Instrument& instrument) {
   return FlagIs(instrument, "AICLoggingEnabled", "3000");
 }
 
-void WriteToAICLog(Instrument& instrument, AicLog& log, const std::string& message) {
+bool AicLogTakesLines(Instrument& instrument, const AicLog& log) {
   const std::string key = instrument.data_dictionary->GetFlagKey();
-  if (!FlagIs(instrument, key, "No")) return;
-  if (!AicLoggingEnabled(instrument)) return;
-  if (log.stream != nullptr) log.stream->WriteLine(message);
+  if (!FlagIs(instrument, key, "No")) return false;
+  return AicLoggingEnabled(instrument) && log.stream != nullptr;
+}
+
+void WriteToAICLog(Instrument& instrument, AicLog& log, const std::string& message) {
+  if (AicLogTakesLines(instrument, log)) log.stream->WriteLine(message);
 }
 
 void OpenAicLog(Instrument& instrument, HostServices& host, AicLog& log) {

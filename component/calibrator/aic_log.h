@@ -15,7 +15,11 @@ struct AicLog {
   std::shared_ptr<TextStream> stream;  // none when no AIC log is open
 };
 
-// One line, if the instrument's flag key is "No", "AICLoggingEnabled" is "3000" and a log is open.
+// Whether a line would be written: the instrument's flag key is "No", "AICLoggingEnabled" is "3000"
+// and a log is open.
+bool AicLogTakesLines(Instrument& instrument, const AicLog& log);
+
+// One line, if the log takes lines; else nothing.
 void WriteToAICLog(Instrument& instrument, AicLog& log, const std::string& message);
 
 // Opens a new AIC log with its header (date and time, gain channel); an open one is closed.

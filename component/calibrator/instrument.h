@@ -77,9 +77,9 @@ void RaiseIfAborted(Instrument& instrument);
 double AIC_TargetMaxAb(Instrument& instrument);
 double AIC_TargetMinAb(Instrument& instrument);
 
-// Sleeps in slices of 400 ms, one per whole second of the setting (deliberately 0.4 s for each),
-// lets the host work off its messages after each, and raises error 1 "User aborted" as soon as an
-// abort is seen. Nothing at all for 0 or less.
+// Sleeps in slices of 400 ms, one per second of the setting rounded to whole ones (deliberately
+// 0.4 s for each), lets the host work off its messages after each, and raises error 1 "User
+// aborted" as soon as an abort is seen. Nothing at all for 0 or less.
 void WaitForSettlingAndCheckAbort(Instrument& instrument, HostServices& host,
                                   double settling_time_sec);
 

@@ -67,4 +67,7 @@ struct VoltageSurveyPoint {
   BoundedArray<std::int32_t> Abundances;  // by mass index
 };
 
+// In the order in which the voltages were planned.
+using Survey = BoundedArray<VoltageSurveyPoint>;
+
 }  // namespace tof

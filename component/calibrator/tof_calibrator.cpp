@@ -1,5 +1,6 @@
 #include "component/calibrator/tof_calibrator.h"
 
+#include "component/aic/below_minimum.h"
 #include "component/aic/data_set_log.h"
 #include "component/trace/guarded.h"
 
@@ -92,6 +93,18 @@ std::shared_ptr<MassCalCoefficients> TofCalibrator::calibrateTOFMassAxis(
   OptionalCalibrationArguments optional;
   return calibrateTOFMassAxis(nAvgSpectra, varExpectedMasses, varAveragedMeasuredTimes,
                               bSuppressAbImmuneCalib, optional);
+}
+
+void TofCalibrator::ReplaceAnyVoltagesForAbundancesBelowMinimum(const Survey& survey,
+                                                                double stepSize) {
+  const RfVoltage rf(instrument_, host_, state_.oct_rf_setpoint_id);
+  const TargetSearch search{.instrument = instrument_,
+                            .host = host_,
+                            .rf = rf,
+                            .expected_masses = state_.data.expected_masses,
+                            .ab_scalars = state_.data.ab_scalars,
+                            .aic_log = state_.aic_log};
+  tof::ReplaceAnyVoltagesForAbundancesBelowMinimum(search, survey, stepSize, state_.data.peaks);
 }
 
 }  // namespace tof

@@ -6,6 +6,7 @@
 
 #include "component/calibration/driver.h"
 #include "component/calibrator/instrument.h"
+#include "component/calibrator/peak_records.h"
 
 namespace tof {
 
@@ -38,9 +39,11 @@ class TofCalibrator {
   void TestNewStuff();
 
   // Averaged flight times (doubles in ns from 0, one per mass) of the calibrants, as the masses of
-  // the last calibration sized the store; Empty on any failure, which is reported by that alone.
-  // `varExpectedMasses`: one-dimensional array of m/z, any lower bound. `dPeakFindWindow`: per cent
-  // of the flight time; -1 is replaced by the settings' value, in the caller's variable.
+  // the last calibration sized the store. Empty when the measurement failed or was aborted, which
+  // is reported by that alone; NaN for a mass whose peak was missing or whose average was not
+  // reached. `varExpectedMasses`: one-dimensional array of m/z, any lower bound; not looked at with
+  // AIC, which measures the masses of the last calibration. `dPeakFindWindow`: per cent of the
+  // flight time; -1 is replaced by the settings' value, in the caller's variable.
   Variant GetAveragedTimesForCalibration(const Variant& varExpectedMasses,
                                          std::int16_t& nAvgSpectra, bool& bEnableAbImmuneCalib,
                                          double& dPeakFindWindow);
@@ -57,6 +60,12 @@ class TofCalibrator {
                                                             const Variant& varExpectedMasses,
                                                             Variant& varAveragedMeasuredTimes,
                                                             bool& bSuppressAbImmuneCalib);
+
+  // A finishing step for abundance-immune measurements, which no calibration takes by itself: moves
+  // the chosen voltage of each mass below the target minimum to a better one within the step above
+  // it, if `survey` saw the mass above the minimum. `stepSize`: volts between the survey's points.
+  // Never raises. Not a part of the automation interface.
+  void ReplaceAnyVoltagesForAbundancesBelowMinimum(const Survey& survey, double stepSize);
 
   // What the last acquisition knows of each mass, for a host that shows it: the voltage (chosen by
   // an abundance-immune acquisition alone, else 0) and, after a complete one, the averages.

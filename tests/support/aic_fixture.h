@@ -90,6 +90,11 @@ class AicFixture : public CalibrationFixture {
         lines, InOrder({AicLogAllowed(instrument.flag_key), {"TextStream.WriteLine(AIC.TXT)"}}));
   }
 
+  // Asking whether a mass is outside the band, for a log that takes lines.
+  Calls BandJudged() const {
+    return InOrder({AicLogAllowed(instrument.flag_key), BandLimitRead("AIC_TargetMinAb")});
+  }
+
   static constexpr const char* kLogPath = "D:\\Data\\Logfiles\\AIC.TXT";
   Instrument parts;
   AicLog log;

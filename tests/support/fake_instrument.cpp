@@ -128,6 +128,7 @@ class Controller : public AcqController, Part {
   }
   std::shared_ptr<MassCalCoefficients> GetCurrentMassCalObject() override {
     Enter("AcqController.GetCurrentMassCalObject");
+    if (!fake.has_mass_cal_object) return nullptr;
     auto copy = std::make_shared<FakeCoefficients>(*fake.in_force);
     copy->bad_fits = &fake.bad_fits;
     if (fake.has_likely_a) {

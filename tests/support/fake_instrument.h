@@ -55,6 +55,7 @@ class FakeInstrument : public InstrumentFactory {
   std::vector<double> bad_fits;  // see FakeCoefficients
   std::int16_t abort_requested = 0;
   double scale_factor = 1.0;
+  bool has_mass_cal_object = true;  // false: there is no current coefficients object
   bool avoid_aic = true;
   double peak_find_width_from_parser = 0.0;  // not 0: ShouldAvoidAIC stores it
   bool has_display = true;

@@ -178,27 +178,40 @@ TEST_F(AveragedPeakAbundance, RefusesAMeanThatIsNoWholeNumberOf32Bits) {
 
 class MassOutsideTheBand : public fakes::AicFixture {
  protected:
-  void Judge(std::int32_t abundance) {
+  void Judge(std::int32_t abundance, bool above_maximum = false) {
     CalibMassPeakData record;
     record.Voltage = 20.5;
     record.Abundance = abundance;
-    LogIfOutsideBand(parts, log, 7, record, 200000);
+    LogIfOutsideBand(parts, log, 7, record, above_maximum);
   }
 };
 
 TEST_F(MassOutsideTheBand, IsLoggedBelowTheMinimumAndAboveTheMaximum) {
   Judge(99999);
-  Judge(200001);
+  Judge(200001, true);
+  // With a scalar a mass can be above its own maximum and below the minimum of all.
+  Judge(50, true);
   EXPECT_EQ(Log(),
             "mass[7] stays below the minimum, [voltage,ab]=[20.5, 99999]\r\n"
-            "mass[7] stays above the maximum, [voltage,ab]=[20.5, 200001]\r\n");
+            "mass[7] stays above the maximum, [voltage,ab]=[20.5, 200001]\r\n"
+            "mass[7] stays above the maximum, [voltage,ab]=[20.5, 50]\r\n");
 }
 
-TEST_F(MassOutsideTheBand, IsNotOneAtTheEdgeOfTheBand) {
+TEST_F(MassOutsideTheBand, IsNotOneAtTheMinimumNorAboveTheUnscaledMaximumAlone) {
   Judge(100000);
-  Judge(200000);
+  Judge(200001);
   EXPECT_EQ(Log(), "");
-  EXPECT_THAT(CallsMade(), ElementsAreArray(Repeated(2, fakes::BandLimitRead("AIC_TargetMinAb"))));
+  EXPECT_THAT(CallsMade(), ElementsAreArray(Repeated(2, BandJudged())));
+}
+
+TEST_F(MassOutsideTheBand, IsNotEvenLookedForWithoutALogThatTakesLines) {
+  instrument.flags["AICLoggingEnabled"] = "Yes";
+  Judge(50);
+  EXPECT_THAT(CallsMade(), ElementsAreArray(fakes::AicLogAllowed(instrument.flag_key)));
+  journal.Clear();
+  log.stream = nullptr;
+  Judge(50, true);
+  EXPECT_THAT(CallsMade(), IsEmpty());
 }
 
 }  // namespace

@@ -249,8 +249,9 @@ TEST_F(AveragedTimes, RefuseEverythingElseAsMasses) {
     StartAfresh();
     masses = row.masses;
     EXPECT_TRUE(Measure().IsEmpty()) << row.what;
-    EXPECT_THAT(host.trace->Texts(), ElementsAre(row.error)) << row.what;
-    EXPECT_FALSE(data.peaks.IsDimensioned()) << row.what;
+    EXPECT_THAT(host.trace->Texts(), ElementsAre("dPeakFindTimeWindow = 0.5", row.error))
+        << row.what;
+    EXPECT_EQ(instrument.spectra_taken, 0) << row.what;
   }
 }
 
@@ -358,6 +359,23 @@ TEST_F(AveragedTimes, AreEmptyAndTracedForEveryFailureBeforeTheirAveraging) {
         EXPECT_EQ(CurrentModuleState().trace.call_stack.size(), 1U);
       });
   EXPECT_TRUE(averaged);
+}
+
+// It measures the expected masses: what is passed is not looked at.
+TEST_F(AveragedTimes, OfTheAbundanceImmuneRoutineTakeNothingFromTheArgument) {
+  instrument.settings["Calibration/AIC_RF_LowValue"] = 20.0;
+  instrument.settings["Calibration/AIC_RF_HighValue"] = 24.0;
+  instrument.settings["Calibration/AIC_RF_Step"] = 2.0;
+  data.ab_scalars = BoundedArray<double>{1.0, 1.0, 1.0};
+  const Variant expected = Measure(true);
+  ASSERT_TRUE(expected.IsArray());
+  for (const Variant& unread : {Variant(), Variant(Variant::Missing{}), Variant("text"),
+                                Variant(Variant::DoubleArray(0, 32767))}) {
+    StartAfresh();
+    masses = unread;
+    EXPECT_EQ(Measure(true), expected);
+    EXPECT_EQ(window, 0.5) << "written back all the same";
+  }
 }
 
 TEST_F(AveragedTimes, AreLeftToTheAbundanceImmuneRoutineWhenThatIsEnabled) {

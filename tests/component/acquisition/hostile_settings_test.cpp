@@ -65,7 +65,7 @@ struct RangeCase {
   double high;
   double step;
   std::int32_t error_of_ramp;        // 0: times
-  std::int32_t error_of_search = 0;  // which has no use for the steps, but the limit
+  std::int32_t error_of_search = 0;  // which has no use for the steps, but for their number
 };
 
 class HostileRange : public HostileSettings, public ::testing::WithParamInterface<RangeCase> {
@@ -106,10 +106,10 @@ INSTANTIATE_TEST_SUITE_P(
                       RangeCase{"InfiniteHigh", 20.0, kInfinity, 2.0, 6},
                       RangeCase{"InfiniteLow", kInfinity, 24.0, 2.0, 6},
                       RangeCase{"MinusInfiniteLow", -kInfinity, 24.0, 2.0, 6},
-                      RangeCase{"InfiniteBoth", kInfinity, kInfinity, 2.0, 6},
+                      RangeCase{"InfiniteBoth", kInfinity, kInfinity, 2.0, 6, 6},
                       RangeCase{"InfiniteStep", 20.0, 24.0, kInfinity, 0},
                       RangeCase{"MinusInfiniteStep", 20.0, 24.0, -kInfinity, 0},
-                      RangeCase{"RangeBeyondTheDoubles", -1e308, 1e308, 2.0, 6},
+                      RangeCase{"RangeBeyondTheDoubles", -1e308, 1e308, 2.0, 6, 6},
                       RangeCase{"HugeVoltages", 1e300, 1e300, 2.0, 0}),
     [](const auto& one) { return std::string(one.param.name); });
 
@@ -192,7 +192,29 @@ TEST_F(HostileSettings, LeaveAMassWithAScalarOfZeroAtTheStepNearestAboveTheBand)
   EXPECT_EQ(Measure(), 0);
   EXPECT_THAT(ChosenVoltages(), ElementsAre(22.0, 22.0, 22.0));
   EXPECT_THAT(ChosenAbundances(), ElementsAre(150000, 150000, 150000));
-  EXPECT_THAT(Log(), Not(HasSubstr("stays"))) << "the lowest reading lies in the unscaled band";
+  EXPECT_THAT(Log(), HasSubstr("mass[0] stays above the maximum, [voltage,ab]=[22, 150000]\r\n"
+                               "mass[1] stays above the maximum, [voltage,ab]=[22, 150000]\r\n"))
+      << "the maximum is the scaled one, as in the choice";
+  EXPECT_THAT(Log(), Not(HasSubstr("mass[2] stays")));
+}
+
+TEST_F(HostileSettings, LeaveAMassThatIsEligibleOnlyWhenScaledInTheBand) {
+  instrument.flags["AIC_UseAbScalars"] = "Yes";
+  Set("AIC_ScalarForMass0", 2.0);
+  Set("AIC_ScalarForMass1", 1.0);
+  Set("AIC_ScalarForMass2", 1.0);
+  instrument.abundance_at = [](double mass, double) { return mass == 100.0 ? 300e3 : 150e3; };
+  EXPECT_EQ(Measure(), 0);
+  EXPECT_EQ(ChosenAbundances()[0], 300000);
+  EXPECT_THAT(Log(), Not(HasSubstr("stays"))) << "below twice the maximum of 200,000";
+}
+
+TEST_F(HostileSettings, CostNoSurveyThroughAMinimumThatOnlyTheLogWouldNeed) {
+  log.stream = nullptr;
+  journal.fail_operation = "CalibSettings.GetValue(Calibration/AIC_TargetMinAb";
+  EXPECT_EQ(Measure(), 0);
+  AtSetpoint83();
+  EXPECT_EQ(Measure(), 0);
 }
 
 TEST_F(HostileSettings, ListEveryMassWhenTheMinimumIsAboveTheMaximum) {

@@ -257,6 +257,19 @@ TEST_F(EnsuringTheState, LeavesEveryOtherCombinationAlone) {
   }
 }
 
+TEST_F(EnsuringTheState, ComparesTheGainChannelAtEverySampleRate) {
+  for (const std::int16_t sample_rate : {std::int16_t{1}, std::int16_t{2}}) {
+    host.trace->Forget();
+    instrument.setpoints[18] = sample_rate;
+    instrument.setpoints[149] = Variant("high");
+    EnsureProperInstrumentStateForCalibration(parts, false);
+    EXPECT_THAT(host.trace->Texts(),
+                ElementsAre("error[13] in EnsureProperInstrumentStateForCalibration(): "
+                            "Type mismatch"))
+        << sample_rate;
+  }
+}
+
 TEST_F(EnsuringTheState, TracesAndSwallowsEveryFailureOfACollaborator) {
   fakes::FailEachCall(
       journal,

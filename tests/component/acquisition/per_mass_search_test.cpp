@@ -85,7 +85,7 @@ TEST_F(PerMassSearching, JudgesEachMassAtTheValueAtEntryAndStoresIt) {
   Run();
   const auto not_searched = [this](const std::string& mass) {
     return InOrder({BeforeAMass(), AbundanceRead(mass, "0.4"), SetpointRead(83),
-                    SpectrumTaken("0.75"), BandLimitRead("AIC_TargetMinAb")});
+                    SpectrumTaken("0.75"), BandJudged()});
   };
   EXPECT_THAT(CallsOfTheSearch(),
               ElementsAreArray(InOrder({{"AcqController.GetCurrentMassCalObject"},
@@ -163,7 +163,7 @@ TEST_F(PerMassSearching, LetsTheParserSearchAndSkipsTheAdjustmentOnItsFlag) {
                                         SetpointRead(83),
                                         FlagRead("AIC_SkipFinalLinearAbAdj"),
                                         SpectrumTaken("0.75"),
-                                        BandLimitRead("AIC_TargetMinAb")})));
+                                        BandJudged()})));
   EXPECT_THAT(ChosenVoltages(), ElementsAre(20.0));
   EXPECT_THAT(ChosenAbundances(), ElementsAre(150));
 }
@@ -179,6 +179,15 @@ TEST_F(PerMassSearching, TracesTheParsersSearch) {
                           "Binary Searching Targeted Abundance...",
                           "Final SPValue,Ab for MassIdx[ 0] = [20, 150]",
                           "massIdx[0] SPValue,Ab = [20, 150]"));
+}
+
+TEST_F(PerMassSearching, NeedsNoCoefficientsObjectWithoutTheFirmware) {
+  instrument.has_mass_cal_object = false;
+  Run();
+  EXPECT_EQ(NumberOf("SpecParser.SearchTargetAbundance"), 1U);
+  EXPECT_THAT(ChosenVoltages(), ElementsAre(75.0, 20.0, 75.0));
+  Fast();
+  EXPECT_EQ(ErrorNumberOf([&] { Run(); }), 91);
 }
 
 TEST_F(PerMassSearching, HearsOfAnAbortBehindTheParsersSearch) {
@@ -217,7 +226,7 @@ TEST_F(PerMassSearching, CallsTheFirmwareWithItsTenArguments) {
            AbundanceRead("400", "0.2"),
            FlagRead("AIC_SkipFinalLinearAbAdj"),
            SpectrumTaken("0.75"),
-           BandLimitRead("AIC_TargetMinAb")})));
+           BandJudged()})));
   EXPECT_THAT(ChosenVoltages(), ElementsAre(20.5));
   EXPECT_THAT(ChosenAbundances(), ElementsAre(155));
 }
@@ -317,10 +326,9 @@ TEST_F(LinearAdjustment, LowersTheSetpointUntilTheAbundanceIsInTheBand) {
   const Calls calls = CallsOfTheSearch();
   const auto flag = std::find(calls.begin(), calls.end(), FlagRead("AIC_SkipFinalLinearAbAdj")[0]);
   ASSERT_NE(flag, calls.end());
-  EXPECT_THAT(
-      Calls(flag + 1, calls.end()),
-      ElementsAreArray(InOrder({SetpointRead(83), measured, Logged(), step("25.15"), step("25.05"),
-                                SpectrumTaken("0.75"), BandLimitRead("AIC_TargetMinAb")})));
+  EXPECT_THAT(Calls(flag + 1, calls.end()),
+              ElementsAreArray(InOrder({SetpointRead(83), measured, Logged(), step("25.15"),
+                                        step("25.05"), SpectrumTaken("0.75"), BandJudged()})));
   EXPECT_EQ(data.peaks(0).Abundance, 200);
   EXPECT_EQ(data.peaks(0).Voltage, 25.25 - 0.1 - 0.1);
 }

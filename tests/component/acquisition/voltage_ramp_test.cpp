@@ -67,14 +67,14 @@ TEST_F(VoltageRamp, SurveysForTheLogThenWalksWithTheCallersWindow) {
                     fakes::kSettled,
                     SpectrumTaken("0.75")});
   };
-  EXPECT_THAT(CallsMade(),
-              ElementsAreArray(
-                  InOrder({fakes::SetpointRead(84), FlagRead("EnableAICAltSPPlugValues"),
-                           fakes::SettingRead("Calibration/AIC_LowQuadAMUStartValue"),
-                           fakes::SettingRead("Calibration/AIC_LowQuadAMUStopValue"), Logged(),
-                           FlagRead("ObfuscateCalibAlg"), Logged(2), surveyed("20"), surveyed("22"),
-                           surveyed("24"), Logged(), walked("20"), walked("22"), walked("24"),
-                           fakes::Repeated(3, fakes::BandLimitRead("AIC_TargetMinAb"))})));
+  EXPECT_THAT(
+      CallsMade(),
+      ElementsAreArray(InOrder({fakes::SetpointRead(84), FlagRead("EnableAICAltSPPlugValues"),
+                                fakes::SettingRead("Calibration/AIC_LowQuadAMUStartValue"),
+                                fakes::SettingRead("Calibration/AIC_LowQuadAMUStopValue"), Logged(),
+                                FlagRead("ObfuscateCalibAlg"), Logged(2), surveyed("20"),
+                                surveyed("22"), surveyed("24"), Logged(), walked("20"),
+                                walked("22"), walked("24"), fakes::Repeated(3, BandJudged())})));
 }
 
 TEST_F(VoltageRamp, TracesStepsAndWhatItStores) {

@@ -247,10 +247,16 @@ TEST_F(AveragingThePeakAttributes, EndsAtAMassWithoutAttributes) {
 }
 
 TEST_F(AveragingThePeakAttributes, WritesNoReportWithoutMasses) {
+  OpenLog();
   expected_masses = Variant::DoubleArray(std::vector<double>{});
   Size(2);
   EXPECT_NO_THROW(Average());
   EXPECT_FALSE(ReportIsThere());
+  // The texts of the report are empty, and two characters cannot be cut from them.
+  EXPECT_THAT(host.trace->Texts(), ElementsAre("error[5] in AverageThePeakAttributes(): Invalid "
+                                               "procedure call or argument"));
+  EXPECT_EQ(journal.Only({"TextStream.WriteLine(AIC_1.TXT)"}).size(), 2U) << "heading and notice";
+  EXPECT_EQ(journal.Only({"FileSystem."}).size(), 0U);
   peaks = {};
   EXPECT_NO_THROW(Average());
   EXPECT_FALSE(ReportIsThere());

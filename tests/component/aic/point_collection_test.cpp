@@ -185,6 +185,15 @@ TEST_F(CollectingPoints, WritesBareLinesForNoMeasurements) {
   EXPECT_EQ(instrument.spectra_taken, 0);
 }
 
+TEST_F(CollectingPoints, ByMassWritesEmptyTextsWithoutMasses) {
+  data.peaks.ReDim(0, -1, IfEmpty::kIsAllowed);
+  ByMass();
+  EXPECT_EQ(Log(),
+            "\r\nCollecting tofs for Averaging...\r\nTOFs [MassIdx, OctRF voltage, tofs]\r\n\r\n"
+            "Abundances [MassIdx, OctRF voltage, Abundances]\r\n\r\n");
+  EXPECT_EQ(ErrorNumberOf([&] { ByMeasurement(); }), 9) << "whose measurements are mass 0's";
+}
+
 // The two ways of working have the same policy.
 class CollectingPointsEitherWay : public CollectingPoints,
                                   public ::testing::WithParamInterface<bool> {

@@ -1,5 +1,7 @@
 #include "component/calibration/peak_lists.h"
 
+#include <algorithm>
+
 #include "tests/component/calibration/calibration_calls.h"
 #include "tests/support/calibration_fixture.h"
 
@@ -9,6 +11,7 @@ namespace {
 using fakes::Calls;
 using fakes::FlagRead;
 using fakes::InOrder;
+using fakes::Journal;
 using fakes::Repeated;
 using ::testing::Contains;
 using ::testing::ElementsAre;
@@ -23,6 +26,20 @@ class PeakLists : public fakes::CalibrationFixture {
     Instrument parts = Collaborators();
     GetPeakListsForLikelyACalculation(parts, in_nanoseconds, second, n_sought,
                                       BoundedArray<double>(instrument.sample_masses));
+  }
+  // Fails the search `n` (from 0) of a Get(3) with the trace on.
+  void FailFromSearch(std::size_t n) {
+    journal.fail_from = Journal::kNever;
+    host.trace->on = true;
+    Get(3);
+    const auto& calls = journal.entries();
+    auto call = calls.begin();
+    for (std::size_t k = 0;; ++k, ++call) {
+      call = std::find(call, calls.end(), "SpecParser.FindPeaks(12000,72000,3)");
+      if (k == n) break;
+    }
+    journal.fail_from = static_cast<std::size_t>(call - calls.begin());
+    host.trace->Forget();
   }
   static std::vector<double> Positions(const std::shared_ptr<PeakList>& list) {
     std::vector<double> positions;
@@ -120,11 +137,12 @@ TEST_F(PartitionedPeakLists, StartTheUpperPeaksBehindTheLowerOnes) {
   EXPECT_THAT(Positions(second), ElementsAre(times_ns[0], times_ns[1], times_ns[3]));
 }
 
-TEST_F(PartitionedPeakLists, StayAsSizedWhenThePartitionIsNoNumber) {
+TEST_F(PartitionedPeakLists, AreEmptyWhenThePartitionIsNoNumber) {
   host.trace->on = true;
   instrument.flags["CalcLikelyA_PartitionSpec_PartitionMz"] = "";
   Get(4);
-  EXPECT_THAT(Positions(in_nanoseconds), ElementsAre(0.0, 0.0, 0.0, 0.0));
+  EXPECT_THAT(Positions(in_nanoseconds), IsEmpty());
+  EXPECT_THAT(Positions(second), IsEmpty());
   EXPECT_THAT(host.trace->Texts(), ElementsAre("GetPeakListsForLikelyACalculation.Error[13]"));
 }
 
@@ -134,12 +152,27 @@ TEST_F(PeakLists, AreNotPartitionedByAFlagInLowerCase) {
   EXPECT_EQ(journal.Only({"SpecParser.FindPeaks(12000,72000,8)"}).size(), 2U);
 }
 
-TEST_F(PeakLists, ComeAsFarAsTheyCameWhenACallFails) {
+// Lists as they were sized would pass for peaks at time 0.
+TEST_F(PeakLists, AreBothEmptyWhenASearchFails) {
   host.trace->on = true;
-  journal.fail_operation = "SpecParser.FindPeaks";
-  Get(3);
-  EXPECT_THAT(Positions(in_nanoseconds), ElementsAre(0.0, 0.0, 0.0));
-  EXPECT_THAT(host.trace->Texts(), ElementsAre("GetPeakListsForLikelyACalculation.Error[4711]"));
+  for (const std::size_t search : {0U, 1U}) {
+    host.trace->Forget();
+    FailFromSearch(search);
+    Get(3);
+    EXPECT_THAT(Positions(in_nanoseconds), IsEmpty()) << search;
+    EXPECT_THAT(Positions(second), IsEmpty()) << search;
+    EXPECT_THAT(host.trace->Texts(), ElementsAre("GetPeakListsForLikelyACalculation.Error[4711]"));
+  }
+}
+
+TEST_F(PeakLists, AreNoneWhenTheyCannotBeEmptied) {
+  FailFromSearch(1);
+  Instrument parts = Collaborators();
+  journal.fail_count = Journal::kNever;
+  GetPeakListsForLikelyACalculation(parts, in_nanoseconds, second, 3,
+                                    BoundedArray<double>(instrument.sample_masses));
+  EXPECT_EQ(in_nanoseconds, nullptr);
+  EXPECT_EQ(second, nullptr);
 }
 
 TEST_F(PeakLists, AreNoneWhenTheyCannotBeCreated) {

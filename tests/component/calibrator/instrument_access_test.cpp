@@ -141,6 +141,14 @@ TEST_F(InstrumentAccess, MultipliesTheAbundanceBandByTheScaleFactor) {
   ExpectEachFailureRaised([&] { AIC_TargetMinAb(parts); });
 }
 
+TEST_F(InstrumentAccess, RaisesAnOverflowForABandOfNothingTimesInfinity) {
+  instrument.settings["Calibration/AIC_TargetMaxAb"] = 0.0;
+  instrument.settings["Calibration/AIC_TargetMinAb"] = 0.0;
+  instrument.scale_factor = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(ErrorNumberOf([&] { AIC_TargetMaxAb(parts); }), 6);
+  EXPECT_EQ(ErrorNumberOf([&] { AIC_TargetMinAb(parts); }), 6);
+}
+
 TEST_F(InstrumentAccess, TakesAnAbsentAbundanceBandForZero) {
   instrument.settings.erase("Calibration/AIC_TargetMaxAb");
   EXPECT_EQ(AIC_TargetMaxAb(parts), 0.0);

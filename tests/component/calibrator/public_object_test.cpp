@@ -39,6 +39,37 @@ TEST_F(TheCalibrator, AnnouncesItsTestHookAndDoesNothingElse) {
               ElementsAre("Trace.Entry(TestNewStuff,1)", "Trace.Exit(TestNewStuff,1)"));
 }
 
+TEST_F(TheCalibrator, ReplacesVoltagesBelowTheMinimumOnRequestAlone) {
+  instrument.avoid_aic = false;
+  instrument.flags[instrument.flag_key] = "No";
+  instrument.settings["Calibration/AIC_SetpointToUse"] = 84.0;
+  instrument.settings["Calibration/AIC_RF_LowValue"] = 20.0;
+  instrument.settings["Calibration/AIC_RF_HighValue"] = 24.0;
+  instrument.settings["Calibration/AIC_RF_Step"] = 2.0;
+  instrument.settings["Calibration/AIC_TargetMinAb"] = 100.0;
+  instrument.settings["Calibration/AIC_TargetMaxAb"] = 200.0;
+  instrument.abundance_at = [](double, double volts) { return volts == 23.0 ? 150.0 : 50.0; };
+  ASSERT_NE(Calibrate(), nullptr);
+  EXPECT_EQ(calibrator->Peaks()(0).Voltage, 20.0);
+
+  Survey survey(0, 0);
+  survey(0).Abundances =
+      BoundedArray<std::int32_t>(std::vector<std::int32_t>(instrument.sample_masses.size(), 100));
+  calibrator->ReplaceAnyVoltagesForAbundancesBelowMinimum(survey, 4.0);
+  for (const CalibMassPeakData& peak : calibrator->Peaks()) {
+    EXPECT_EQ(peak.Voltage, 23.0);
+    EXPECT_EQ(peak.Abundance, 150);
+  }
+}
+
+TEST_F(TheCalibrator, RaisesNothingWhenNothingWasSurveyedYet) {
+  Create();
+  calibrator->ReplaceAnyVoltagesForAbundancesBelowMinimum(Survey(), 4.0);
+  EXPECT_THAT(host.trace->Texts(),
+              ElementsAre("error[9] in ReplaceAnyVoltagesForAbundancesBelowMinimum(): "
+                          "Subscript out of range"));
+}
+
 TEST_F(TheCalibrator, SwallowsAFailureOfItsTestHookWithALineOfItsOwnForm) {
   Create();
   journal.fail_operation = "Trace.Entry";

@@ -106,7 +106,8 @@ class Expectation {
       left.event = kNoLikelyA;
     } else if (stop.ends == Ends::kTheAcquisition) {
       left.event = Event{13, "Type mismatch"};
-    } else if (stop.ends == Ends::kTheAveraging && MassesAveragedBefore(place) == 0) {
+    } else if (stop.ends == Ends::kTheAveraging &&
+               MassesAveragedBefore(place) < MassesAveragedBefore(stop.exit)) {
       FollowFrom(stop.exit, PlaceOf("MassCalCoefficients.Calibrate"), left);
       left.event = Event{5, "Invalid procedure call or argument"};
     } else {
@@ -188,7 +189,7 @@ class Expectation {
   // A mass is averaged once its flag is read: what comes behind that only reports.
   std::size_t MassesAveragedBefore(std::size_t place) const {
     std::size_t masses = 0;
-    for (std::size_t n = calls_[place].running.back().entry; n < place; ++n) {
+    for (std::size_t n = PlaceOf("Trace.Entry(AverageThePeakAttributes,9)"); n < place; ++n) {
       if (BeginsWith(calls_[n].text, "TuneFlags.GetFlag(TraceAICPeakAttributes")) ++masses;
     }
     return masses;

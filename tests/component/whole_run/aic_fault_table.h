@@ -15,8 +15,9 @@ enum class Ends {
   kNothingItself,
   // Swallowed, and the calibration does without: its result is as if nothing had happened.
   kItself,
-  // Swallowed; the masses that are not averaged have the flight time 0. All of them: nothing can be
-  // fitted, error 5. Some: a bad fit, and the second pass is good.
+  // Swallowed; the flight time of a mass that is not averaged is not a number, which the fit
+  // refuses
+  // with error 5. Behind the last average it costs nothing.
   kTheAveraging,
   // Swallowed, with a message box; no likely A is error -822.
   kTheEstimate,

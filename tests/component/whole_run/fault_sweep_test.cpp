@@ -128,8 +128,6 @@ std::vector<std::pair<std::int32_t, std::string>> EventsOf(Ending ending) {
       return {{13, "Type mismatch"}};
     case Ending::kInvalidCall:
       return {{5, "Invalid procedure call or argument"}};
-    case Ending::kBadFits:
-      return {{-1, "Calibration failed: bad coefficients returned."}};
     case Ending::kAborted:
       return {{1, "User aborted"}};
   }
@@ -178,9 +176,6 @@ void ExpectOutcome(const Bench& bench, const Configuration& configuration,
   switch (expected.in_force) {
     case InForce::kOld:
       EXPECT_EQ(in_force, bench.old_coefficients);
-      break;
-    case InForce::kDefaults:
-      EXPECT_EQ(in_force, bench.instrument.defaults);
       break;
     case InForce::kNew:
       EXPECT_NEAR(in_force->record[0], bench.instrument.true_a_per_ns, 1e-12);
