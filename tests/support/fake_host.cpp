@@ -18,6 +18,7 @@ class FakeStream : public TextStream {
   }
   void WriteLine(std::string_view text) override {
     journal_.Enter("TextStream.WriteLine(" + name_ + ")");
+    if (!open_) Raise(RunTimeError::kObjectVariableNotSet);
     file_.bytes += std::string(text) + "\r\n";
   }
   void Close() override {

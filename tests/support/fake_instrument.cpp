@@ -180,6 +180,7 @@ class Controller : public AcqController, Part {
 // Sample deviation; 0 for a single spectrum.
 ColumnStatistics Controller::GetColumnStatistics(const BoundedArray2D<double>& values) {
   Enter("AcqController.GetColumnStatistics");
+  if (!fake.has_statistics) return {};
   const double n = values.UBound(1) - values.LBound(1) + 1.0;
   ColumnStatistics statistics;
   statistics.averages.ReDim(values.LBound(2), values.UBound(2));
@@ -235,8 +236,9 @@ class Parser : public SpecParser, Part {
     count = static_cast<std::int32_t>(found->records.size());
     list = found;
   }
-  bool ShouldAvoidAIC(const Variant&, double& width) override {
+  bool ShouldAvoidAIC(const Variant& masses, double& width) override {
     Enter("SpecParser.ShouldAvoidAIC(" + ToText(width) + ")");
+    fake.masses_of_the_aic_question = masses;
     if (fake.peak_find_width_from_parser != 0.0) width = fake.peak_find_width_from_parser;
     return fake.avoid_aic;
   }

@@ -56,7 +56,9 @@ class FakeInstrument : public InstrumentFactory {
   std::int16_t abort_requested = 0;
   double scale_factor = 1.0;
   bool has_mass_cal_object = true;  // false: there is no current coefficients object
+  bool has_statistics = true;       // false: statistics of no column at all
   bool avoid_aic = true;
+  Variant masses_of_the_aic_question;        // what ShouldAvoidAIC was asked about last
   double peak_find_width_from_parser = 0.0;  // not 0: ShouldAvoidAIC stores it
   bool has_display = true;
   bool display_live = true;

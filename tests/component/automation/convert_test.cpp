@@ -311,6 +311,8 @@ INSTANTIATE_TEST_SUITE_P(
         NumericTextCase{"DecimalComma", "1,5", 0.0, 13},
         NumericTextCase{"TwoPoints", "1.2.3", 0.0, 13},
         NumericTextCase{"UnitBehind", "12 ns", 0.0, 13},
+        NumericTextCase{"LetterBehind", "12x", 0.0, 13},
+        NumericTextCase{"LetterBefore", "x12", 0.0, 13},
         NumericTextCase{"OpenExponent", "1E", 0.0, 13},
         NumericTextCase{"OpenSignedExponent", "1E+", 0.0, 13},
         NumericTextCase{"ExponentAlone", "E5", 0.0, 13},
