@@ -6,6 +6,7 @@
 
 #include "tests/support/aic_fixture.h"
 #include "tests/support/fault_sweep.h"
+#include "tests/support/traced_calls.h"
 
 namespace tof {
 namespace {
@@ -98,6 +99,22 @@ TEST_F(SettingVoltages, RoundsAbundancesHalvesToEven) {
   EXPECT_THAT(Log(), HasSubstr("80, [10300, 2], [20300, 4], [30300, 2]\r\n"));
 }
 
+TEST_F(SettingVoltages, TakesTheMassesThatTheSpectrumWasParsedFor) {
+  instrument.first_mass_parsed = 1;
+  Survey survey = Points({80.0});
+  survey(0).Abundances(0) = -5;
+  Measure(survey);
+  EXPECT_THAT(TextsOf("SetTheseVoltagesAndGetTimesAndAbundances"),
+              ElementsAre("massIdx = 1", "massIdx = 2"));
+  EXPECT_THAT(Log(), ::testing::EndsWith("\r\n80, [20300, 80400], [30300, 80900]\r\n"));
+  EXPECT_EQ(survey(0).Abundances, (BoundedArray<std::int32_t>{-5, 80400, 80900}));
+
+  instrument.first_mass_parsed = 0;
+  instrument.masses_left_out = 1;
+  Measure(survey);
+  EXPECT_THAT(Log(), ::testing::EndsWith("\r\n80, [10300, 80100], [20300, 80400]\r\n"));
+}
+
 TEST_F(SettingVoltages, TakesAPeakThatIsNotFoundAsTheParserReportsIt) {
   instrument.abundance_at = [](double mass, double) { return mass == 400.0 ? 0.0 : 7.0; };
   Survey survey = Points({80.0});
@@ -147,6 +164,20 @@ TEST_F(SettingVoltagesInRandomOrder, LogsBothOrdersWithTheirExtraSeparator) {
   Measure(survey);
   EXPECT_THAT(Log(), HasSubstr("\r\nOriginal Idx Array: , 0, 1, 2\r\nRandomized Array: , "));
   EXPECT_THAT(LoggedOrder(), ::testing::UnorderedElementsAre("0", "1", "2"));
+}
+
+TEST_F(SettingVoltagesInRandomOrder, LogsTheOriginalOrderBeforeItIsRandomized) {
+  Survey survey = Points({42.0});
+  Measure(survey);
+  const std::string name = "SetTheseVoltagesAndGetTimesAndAbundances";
+  EXPECT_THAT(
+      fakes::Between(journal.entries(), fakes::Entered(name)[0], fakes::Left(name)[0]),
+      ElementsAreArray(InOrder(
+          {fakes::Entered(name), Logged(), kFlag, Logged(), fakes::Entered("RandomizeThisArray"),
+           Calls{"Host.RandomSeed"}, fakes::Left("RandomizeThisArray"), Logged(3), kFlag,
+           RfWritten("42"), fakes::kSettled, SpectrumTaken("-1"),
+           fakes::Traced(name, "massIdx = 0"), fakes::Traced(name, "massIdx = 1"),
+           fakes::Traced(name, "massIdx = 2"), Logged(), fakes::Left(name)})));
 }
 
 TEST_F(SettingVoltagesInRandomOrder, VisitsThePointsAsLoggedAndFillsEachInItsPlace) {
@@ -224,6 +255,9 @@ TEST_F(SettingVoltages, EndAtAPointWithoutArrays) {
   EXPECT_EQ(survey(0).Abundances(2), 80900);
   EXPECT_THAT(Elements(survey(1).Abundances), Each(0));
   EXPECT_EQ(instrument.spectra_taken, 2);
+  EXPECT_THAT(TextsOf("SetTheseVoltagesAndGetTimesAndAbundances"),
+              ElementsAre("massIdx = 0", "massIdx = 1", "massIdx = 2", "massIdx = 0", LastTrace()))
+      << "a mass is traced before it is stored";
 }
 
 TEST_F(SettingVoltages, EndAtAnAbundanceThatIsNoWholeNumberOf32Bits) {
