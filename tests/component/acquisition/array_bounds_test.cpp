@@ -57,6 +57,26 @@ TEST_F(BoundsOfAveragedTimes, EndAnAnswerForMoreMassesThanTheStoreHas) {
   EXPECT_EQ(LastTrace(), "error[9] in GetAveragedTimesForCalibration(): Subscript out of range");
 }
 
+TEST_F(BoundsOfAveragedTimes, EndTheFirstSpectrumOfMoreMassesThanTheStoreHas) {
+  masses = Variant::DoubleArray({100.0, 400.0, 900.0, 1600.0});
+  data.measured_times.ReDim({0, 1}, {0, 4});
+  EXPECT_TRUE(Measure(2).IsEmpty());
+  EXPECT_EQ(instrument.spectra_taken, 2) << "one that is not stored, one that is";
+  EXPECT_EQ(data.measured_times(0, 3), 40300.0) << "stored before its record is looked for";
+  EXPECT_EQ(data.measured_times(0, 4), 0.0);
+  EXPECT_EQ(NumberOf("Trace.Entry(AverageThePeakAttributes"), 0U);
+}
+
+// A record of which the spectra hold nothing has an average all the same.
+TEST_F(BoundsOfAveragedTimes, AreThoseOfTheParsedSpectrumForTheAnswer) {
+  instrument.first_mass_parsed = 1;
+  instrument.on_spectrum = [&] { data.peaks(0).SpectrumAttribs(0, 0).time = 5.0; };
+  const Variant answer = Measure(1);
+  ASSERT_TRUE(answer.IsArray()) << LastTrace();
+  EXPECT_EQ(data.peaks(0).AveragedAttribs(0).time, 5.0);
+  EXPECT_EQ(AsDoubleArray(answer), (BoundedArray<double>{0.0, 20300.0, 30300.0}));
+}
+
 // The copy of the collected flight times into the measured times.
 class BoundsOfMeasuredTimes : public fakes::AicFixture {
  protected:
