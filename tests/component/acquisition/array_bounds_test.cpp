@@ -147,14 +147,18 @@ TEST_F(BoundsOfMeasuredTimes, AreThoseOfTheStoreForTheSpectra) {
 // The store changes under the last spectrum, when the collection is done with mass 0.
 TEST_F(BoundsOfMeasuredTimes, AreThoseOfMassZeroForTheSpectraOfAllMasses) {
   constexpr std::int32_t kLastSpectrum = 9;
-  instrument.on_spectrum = [&] {
-    if (instrument.spectra_taken != kLastSpectrum) return;
-    data.peaks(0).SpectrumAttribs.ReDim({0, 0}, {0, 1});
-    data.peaks(0).SpectrumAttribs(0, 0).time = 10301.0;
-  };
-  ASSERT_TRUE(Measure({0, 1}, {0, 2}).IsArray()) << LastTrace();
-  EXPECT_THAT(TimesOfSpectrum(0), ElementsAre(10301.0, 20300.0, 30300.0));
-  EXPECT_THAT(TimesOfSpectrum(1), Each(kUntouched));
+  for (const std::int32_t held : {0, 1}) {
+    SCOPED_TRACE(held);
+    instrument.spectra_taken = 0;
+    instrument.on_spectrum = [&] {
+      if (instrument.spectra_taken != kLastSpectrum) return;
+      data.peaks(0).SpectrumAttribs.ReDim({held, held}, {0, 1});
+      data.peaks(0).SpectrumAttribs(held, 0).time = 10301.0;
+    };
+    ASSERT_TRUE(Measure({0, 1}, {0, 2}).IsArray()) << LastTrace();
+    EXPECT_THAT(TimesOfSpectrum(held), ElementsAre(10301.0, 20300.0, 30300.0));
+    EXPECT_THAT(TimesOfSpectrum(1 - held), Each(kUntouched));
+  }
 }
 
 }  // namespace
