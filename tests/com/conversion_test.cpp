@@ -66,8 +66,9 @@ TEST(ComRecords, GoThereAndBackUnchanged) {
   PeakAttribsTable table({0, 1}, {0, 2});
   for (std::int32_t row = 0; row < 2; ++row) {
     for (std::int32_t m = 0; m < 3; ++m) {
-      table(row, m) = {
-          .unused0 = 1.0 * row, .time = 10.0 * m, .abundance = 5.0, .unused56 = 7.0 + m};
+      const double first = 100.0 * row + 10.0 * m;
+      table(row, m) = {first,       first + 1.0, first + 2.0, first + 3.0,
+                       first + 4.0, first + 5.0, first + 6.0, first + 7.0};
     }
   }
   EXPECT_EQ(PeakAttribsIn(ToVariant(table).get()), table);

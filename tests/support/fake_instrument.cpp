@@ -208,8 +208,8 @@ class Parser : public SpecParser, Part {
     const double shift = n < fake.spectrum_shift_ns.size() ? fake.spectrum_shift_ns[n] : 0.0;
     const auto& wanted = AsDoubleArray(masses);
     const std::int32_t last = wanted.UBound() - fake.masses_left_out;
-    PeakAttribsTable table({0, 1}, {0, last}, IfEmpty::kIsAllowed);
-    for (std::int32_t i = wanted.LBound(); i <= last; ++i) {
+    PeakAttribsTable table({0, 1}, {fake.first_mass_parsed, last}, IfEmpty::kIsAllowed);
+    for (std::int32_t i = fake.first_mass_parsed; i <= last; ++i) {
       FillPair(wanted(i), shift, table(0, i), table(1, i));
     }
     return table;
@@ -256,8 +256,14 @@ class Parser : public SpecParser, Part {
     }
     const double time = fake.TrueTime(mass) + shift;
     const double root = fake.in_force->record[0] * (time - fake.in_force->record[1]);
-    row0 = {.time = time, .abundance = abundance, .attribute48 = time / 40000.0};
-    row1 = {.time = root * root, .attribute32 = root * root - mass, .abundance = abundance};
+    row0 = {.time = time,
+            .attribute32 = -time / 30000.0,
+            .abundance = abundance,
+            .attribute48 = time / 40000.0};
+    row1 = {.time = root * root,
+            .attribute32 = root * root - mass,
+            .abundance = abundance + fake.row1_abundance_excess,
+            .attribute48 = -time / 20000.0};
   }
 };
 

@@ -42,6 +42,11 @@ class FakeInstrument : public InstrumentFactory {
   std::size_t peak_searches = 0;
   // How many of the masses that are asked for, from the last one on, a parsed spectrum leaves out.
   std::int32_t masses_left_out = 0;
+  // The first mass that a parsed spectrum has a column for; the columns keep their indices.
+  std::int32_t first_mass_parsed = 0;
+  // What row 1 of a parsed peak shows above the abundance in row 0. An instrument shows the same in
+  // both (0); they differ here, so that it is seen which of them was read.
+  double row1_abundance_excess = 1e6;
 
   // What the instrument holds.
   std::map<std::int32_t, Variant> setpoints;

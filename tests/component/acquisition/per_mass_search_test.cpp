@@ -142,7 +142,7 @@ TEST_F(PerMassSearching, StoresTheAttributesOfOneSpectrumAtTheFinalSetpoint) {
   EXPECT_EQ(data.peaks(0).SpectrumAttribs(0, 0).time, 10300.25);
   EXPECT_EQ(data.peaks(1).SpectrumAttribs(0, 0).time, 20300.5);
   EXPECT_EQ(data.peaks(2).SpectrumAttribs(0, 0).time, 30300.75);
-  EXPECT_EQ(data.peaks(1).SpectrumAttribs(0, 1).abundance, 150.0);
+  EXPECT_EQ(data.peaks(1).SpectrumAttribs(0, 1).abundance, 1000150.0) << "that of row 1";
   EXPECT_EQ(data.peaks(1).SpectrumAttribs(1, 0), PeakAttribs{});
 }
 

@@ -183,7 +183,8 @@ TEST_F(TimeSpannedPeakTimes, AreTheAveragesOfTheCollectedSpectra) {
 TEST_F(TimeSpannedPeakTimes, WriteTuneReportAndDataSet) {
   Measure();
   EXPECT_THAT(host.files.at(kTuneReport).bytes, StartsWith("10300, 20300, 30300\r\n"));
-  EXPECT_THAT(host.files.at(kDataSet).bytes, EndsWith("20240229, 130515, 2, 1, 30300, 150000\r\n"));
+  EXPECT_THAT(host.files.at(kDataSet).bytes,
+              EndsWith("20240229, 130515, 2, 1, 30300, 1150000\r\n"));
 }
 
 TEST_F(TimeSpannedPeakTimes, SurviveAReportAndADataSetThatCannotBeWritten) {

@@ -117,7 +117,7 @@ TEST_F(VoltageRamp, StoresTheAttributesOfTheChosenStepAsMeasurementZero) {
   EXPECT_EQ(data.peaks(1).SpectrumAttribs(0, 0).time, 20300.75);
   EXPECT_EQ(data.peaks(2).SpectrumAttribs(0, 0).time, 30300.25);
   EXPECT_EQ(data.peaks(0).SpectrumAttribs(0, 0).abundance, 0.0);  // the field is not kept
-  EXPECT_EQ(data.peaks(0).SpectrumAttribs(0, 1).abundance, 180.0);
+  EXPECT_EQ(data.peaks(0).SpectrumAttribs(0, 1).abundance, 1000180.0) << "that of row 1";
   EXPECT_EQ(data.peaks(0).SpectrumAttribs(1, 0), PeakAttribs{});
 }
 
@@ -173,6 +173,13 @@ TEST_F(VoltageRamp, TakesTheStepNearestAboveForAMassThatWasNeverEligible) {
   EXPECT_THAT(Log(),
               EndsWith("\r\n\r\nmass[0] stays above the maximum, [voltage,ab]=[22, 500]\r\n"));
   EXPECT_THAT(Stored(), Not(::testing::Contains(HasSubstr("massIdx[0]"))));
+}
+
+TEST_F(VoltageRamp, TakesTheFirstOfStepsThatAreEquallyNearAbove) {
+  of[100.0] = {{20.0, 700.0}, {22.0, 500.0}, {24.0, 500.0}};
+  of[400.0] = {{20.0, 500.0}, {22.0, 500.0}, {24.0, 700.0}};
+  Run();
+  EXPECT_THAT(ChosenVoltages(), ElementsAre(22.0, 20.0, 20.0));
 }
 
 TEST_F(VoltageRamp, PrefersAnyEligibleStepToOneAboveTheMaximum) {

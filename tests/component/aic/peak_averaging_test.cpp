@@ -215,6 +215,17 @@ TEST_F(AveragingThePeakAttributes, TakesTheNumberOfMeasurementsFromMassZero) {
   EXPECT_DOUBLE_EQ(peaks(2).AveragedAttribs(0).time, 488.0);
 }
 
+TEST_F(AveragingThePeakAttributes, TakesNoNumberOfMeasurementsFromTheLastMass) {
+  OpenLog();
+  peaks(2).SpectrumAttribs.ReDim({0, 3}, {0, 1});
+  for (std::int32_t k = 0; k <= 3; ++k) peaks(2).SpectrumAttribs(k, 0).time = k < 2 ? 10.0 : 1e9;
+  Average();
+  EXPECT_DOUBLE_EQ(peaks(0).AveragedAttribs(0).time, 125.1);
+  EXPECT_EQ(peaks(2).AveragedAttribs(0).time, 10.0);
+  EXPECT_THAT(host.files.at("D:\\Data\\Logfiles\\AIC_1.TXT").bytes,
+              ::testing::HasSubstr("\r\n2, 10, 10, 10\r\n"));
+}
+
 TEST_F(AveragingThePeakAttributes, EndsAtAMassWithFewerMeasurementsThanMassZero) {
   host.files[kReport].bytes = "an older report\r\n";
   PeakAttribs only = peaks(1).SpectrumAttribs(0, 0);

@@ -107,7 +107,8 @@ TEST_F(CollectingPoints, StoresTheAttributesOfTheMassWhoseVoltageIsSet) {
     EXPECT_EQ(record.SpectrumAttribs(k, 0),
               (PeakAttribs{.time = 20300.0, .attribute48 = 20300.0 / 40000.0}));
     EXPECT_DOUBLE_EQ(record.SpectrumAttribs(k, 1).time, 400.0);
-    EXPECT_EQ(record.SpectrumAttribs(k, 1).abundance, 70900.25);
+    EXPECT_EQ(record.SpectrumAttribs(k, 1).attribute32, record.SpectrumAttribs(k, 1).time - 400.0);
+    EXPECT_EQ(record.SpectrumAttribs(k, 1).abundance, 1070900.25) << "that of row 1";
   }
 }
 

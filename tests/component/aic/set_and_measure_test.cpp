@@ -1,11 +1,10 @@
 #include "component/aic/set_and_measure.h"
 
 #include <cmath>
-#include <map>
-#include <numeric>
 
 #include "tests/support/aic_fixture.h"
 #include "tests/support/fault_sweep.h"
+#include "tests/support/traced_calls.h"
 
 namespace tof {
 namespace {
@@ -98,6 +97,22 @@ TEST_F(SettingVoltages, RoundsAbundancesHalvesToEven) {
   EXPECT_THAT(Log(), HasSubstr("80, [10300, 2], [20300, 4], [30300, 2]\r\n"));
 }
 
+TEST_F(SettingVoltages, TakesTheMassesThatTheSpectrumWasParsedFor) {
+  instrument.first_mass_parsed = 1;
+  Survey survey = Points({80.0});
+  survey(0).Abundances(0) = -5;
+  Measure(survey);
+  EXPECT_THAT(TextsOf("SetTheseVoltagesAndGetTimesAndAbundances"),
+              ElementsAre("massIdx = 1", "massIdx = 2"));
+  EXPECT_THAT(Log(), ::testing::EndsWith("\r\n80, [20300, 80400], [30300, 80900]\r\n"));
+  EXPECT_EQ(survey(0).Abundances, (BoundedArray<std::int32_t>{-5, 80400, 80900}));
+
+  instrument.first_mass_parsed = 0;
+  instrument.masses_left_out = 1;
+  Measure(survey);
+  EXPECT_THAT(Log(), ::testing::EndsWith("\r\n80, [10300, 80100], [20300, 80400]\r\n"));
+}
+
 TEST_F(SettingVoltages, TakesAPeakThatIsNotFoundAsTheParserReportsIt) {
   instrument.abundance_at = [](double mass, double) { return mass == 400.0 ? 0.0 : 7.0; };
   Survey survey = Points({80.0});
@@ -147,6 +162,20 @@ TEST_F(SettingVoltagesInRandomOrder, LogsBothOrdersWithTheirExtraSeparator) {
   Measure(survey);
   EXPECT_THAT(Log(), HasSubstr("\r\nOriginal Idx Array: , 0, 1, 2\r\nRandomized Array: , "));
   EXPECT_THAT(LoggedOrder(), ::testing::UnorderedElementsAre("0", "1", "2"));
+}
+
+TEST_F(SettingVoltagesInRandomOrder, LogsTheOriginalOrderBeforeItIsRandomized) {
+  Survey survey = Points({42.0});
+  Measure(survey);
+  const std::string name = "SetTheseVoltagesAndGetTimesAndAbundances";
+  EXPECT_THAT(
+      fakes::Between(journal.entries(), fakes::Entered(name)[0], fakes::Left(name)[0]),
+      ElementsAreArray(InOrder(
+          {fakes::Entered(name), Logged(), kFlag, Logged(), fakes::Entered("RandomizeThisArray"),
+           Calls{"Host.RandomSeed"}, fakes::Left("RandomizeThisArray"), Logged(3), kFlag,
+           RfWritten("42"), fakes::kSettled, SpectrumTaken("-1"),
+           fakes::Traced(name, "massIdx = 0"), fakes::Traced(name, "massIdx = 1"),
+           fakes::Traced(name, "massIdx = 2"), Logged(), fakes::Left(name)})));
 }
 
 TEST_F(SettingVoltagesInRandomOrder, VisitsThePointsAsLoggedAndFillsEachInItsPlace) {
@@ -224,6 +253,9 @@ TEST_F(SettingVoltages, EndAtAPointWithoutArrays) {
   EXPECT_EQ(survey(0).Abundances(2), 80900);
   EXPECT_THAT(Elements(survey(1).Abundances), Each(0));
   EXPECT_EQ(instrument.spectra_taken, 2);
+  EXPECT_THAT(TextsOf("SetTheseVoltagesAndGetTimesAndAbundances"),
+              ElementsAre("massIdx = 0", "massIdx = 1", "massIdx = 2", "massIdx = 0", LastTrace()))
+      << "a mass is traced before it is stored";
 }
 
 TEST_F(SettingVoltages, EndAtAnAbundanceThatIsNoWholeNumberOf32Bits) {
@@ -254,64 +286,6 @@ TEST_F(SettingVoltages, TraceAndSwallowEveryFailure) {
         EXPECT_EQ(LastTrace(),
                   "error[4711] in SetTheseVoltagesAndGetTimesAndAbundances(): Injected fault");
       });
-}
-
-class RandomizingAnArray : public fakes::AicFixture {
- protected:
-  std::vector<std::int32_t> Randomized(std::int32_t size, std::uint32_t seed) {
-    std::vector<std::int32_t> elements(static_cast<std::size_t>(size));
-    std::iota(elements.begin(), elements.end(), 0);
-    BoundedArray<std::int32_t> values(elements);
-    host.seed = seed;
-    RandomizeThisArray(host, values);
-    return Elements(values);
-  }
-};
-
-TEST_F(RandomizingAnArray, SeedsOnceAndPermutes) {
-  EXPECT_THAT(Randomized(100, 7), ::testing::WhenSorted(ElementsAreArray([] {
-                std::vector<std::int32_t> all(100);
-                std::iota(all.begin(), all.end(), 0);
-                return all;
-              }())));
-  EXPECT_THAT(CallsMade(), ElementsAre("Host.RandomSeed"));
-  EXPECT_THAT(host.trace->lines,
-              ElementsAre("Entry RandomizeThisArray 9", "Exit RandomizeThisArray 9"));
-}
-
-TEST_F(RandomizingAnArray, IsTheSameForTheSameSeedAndDiffersForAnother) {
-  EXPECT_EQ(Randomized(50, 7), Randomized(50, 7));
-  EXPECT_NE(Randomized(50, 7), Randomized(50, 8));
-}
-
-// Swapping with a position anywhere leads to 27 equally likely courses for three elements, which do
-// not spread evenly over six orders: three are met 5 times in 27, three 4 times. A fair shuffle
-// would meet each 4.5 times.
-TEST_F(RandomizingAnArray, IsUnfairInTheKnownWay) {
-  journal.keep_entries = false;
-  std::map<std::vector<std::int32_t>, int> met;
-  for (std::uint32_t seed = 0; seed < 27000; ++seed) ++met[Randomized(3, seed)];
-  const std::map<std::vector<std::int32_t>, int> expected = {{{0, 1, 2}, 4000}, {{0, 2, 1}, 5000},
-                                                             {{1, 0, 2}, 5000}, {{1, 2, 0}, 5000},
-                                                             {{2, 0, 1}, 4000}, {{2, 1, 0}, 4000}};
-  for (const auto& [order, count] : expected) {
-    EXPECT_NEAR(met[order], count, 260) << ::testing::PrintToString(order);
-  }
-}
-
-TEST_F(RandomizingAnArray, KeepsTheBoundsOfAnArrayFromAnotherIndex) {
-  BoundedArray<std::int32_t> values(std::vector<std::int32_t>{5, 6, 7, 8}, -2);
-  host.seed = 5;
-  RandomizeThisArray(host, values);
-  EXPECT_THAT(host.trace->Texts(), ::testing::IsEmpty()) << "an error would be kept to itself";
-  EXPECT_EQ(values.LBound(), -2);
-  EXPECT_THAT(Elements(values), ::testing::UnorderedElementsAre(5, 6, 7, 8));
-}
-
-TEST_F(RandomizingAnArray, SwallowsItsFailures) {
-  BoundedArray<std::int32_t> none;
-  EXPECT_NO_THROW(RandomizeThisArray(host, none));
-  EXPECT_EQ(LastTrace(), "error[9] in RandomizeThisArray(): Subscript out of range");
 }
 
 }  // namespace

@@ -31,6 +31,7 @@ struct WorkingFake {
     instrument.settings["Calibration/AIC_RF_Step"] = 2.0;
     instrument.flags["Enable1700mzTune"] = "Yes";
     instrument.abundance_at = [](double, double volts) { return 4000.0 * volts; };
+    instrument.row1_abundance_excess = 0.0;
   }
   std::vector<CheckResult> Check() {
     return RunChecks({.factory = instrument,
