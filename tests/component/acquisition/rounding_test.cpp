@@ -19,6 +19,10 @@ struct Rounded {
   std::int32_t whole;
 };
 
+void PrintTo(const Rounded& row, std::ostream* out) {
+  *out << row.value;
+}
+
 const auto kRounded =
     ::testing::Values(Rounded{"DownToEven", 82.5, 82}, Rounded{"UpToEven", 83.5, 84},
                       Rounded{"BelowAHalf", 84.49, 84}, Rounded{"AboveAHalf", 83.51, 84});
