@@ -130,6 +130,17 @@ TEST_F(Arguments, LeftOutCountAsTheirDefaults) {
   EXPECT_TRUE(power_flag.empty());
 }
 
+// A list of fifty million bytes takes no memory worth the name.
+TEST_F(Arguments, OfMoreMassesThanAreCountedAreAnOverflow) {
+  for (const ULONG count : {32768UL, 50'000'000UL}) {
+    SAFEARRAYBOUND bound{};
+    bound.cElements = count;
+    OwnedVariant bytes;
+    NewArray(bytes, VT_UI1, {bound});
+    EXPECT_EQ(EventOf(bytes.get()), std::pair(LONG{6}, std::string("Overflow"))) << count;
+  }
+}
+
 TEST_F(Arguments, AreTakenByNameToo) {
   std::wstring method = L"GetAveragedTimesForCalibration";
   std::wstring window_name = L"dPeakFindWindow";

@@ -62,6 +62,20 @@ TEST(ComValues, ThatTheComponentHasNoTypeForConvertToNothing) {
   EXPECT_EQ(FromVariant(Raw(VT_BYREF | VT_R8)), Variant(Variant::Missing{}));  // a null reference
 }
 
+TEST(ComValues, OfALongListAreTakenUpToTheNumberThatIsWanted) {
+  SAFEARRAYBOUND bound{};
+  bound.cElements = 5;
+  bound.lLbound = 1;
+  OwnedVariant bytes;
+  const ArrayView view(NewArray(bytes, VT_UI1, {bound}), VT_UI1, 1);
+  view.Elements<BYTE>()[1] = 200;
+  EXPECT_EQ(FromVariant(bytes.get(), 2),
+            Variant(Variant::Array(std::vector<Variant>{std::int16_t{0}, std::int16_t{200}}, 1)));
+  const OwnedVariant doubles = ToVariant(BoundedArray<double>({1.0, 2.0, 3.0}));
+  EXPECT_EQ(FromVariant(doubles.get(), 2), Variant(Variant::DoubleArray({1.0, 2.0})));
+  EXPECT_EQ(FromVariant(doubles.get(), 4), Variant(Variant::DoubleArray({1.0, 2.0, 3.0})));
+}
+
 TEST(ComRecords, GoThereAndBackUnchanged) {
   PeakAttribsTable table({0, 1}, {0, 2});
   for (std::int32_t row = 0; row < 2; ++row) {
@@ -124,6 +138,38 @@ TEST(ComErrors, KeepTheirNumbers) {
   EXPECT_EQ(NumberOf(E_FAIL), E_FAIL);
   EXPECT_EQ(ResultOf(70000), E_FAIL);
   EXPECT_EQ(ResultOf(0), E_FAIL);
+}
+
+struct RecordCase {
+  const char* name;
+  WORD code;
+  SCODE result;
+  std::int32_t number;
+  std::string description;
+};
+
+TEST(ComErrors, OfARecordWithoutATextGetTheUsualOneOfTheirNumber) {
+  for (const RecordCase& row :
+       {RecordCase{"an empty record", 0, S_OK, 440, "Automation error"},
+        RecordCase{"a number", 13, S_OK, 13, "Type mismatch"},
+        RecordCase{"a number that has no text", 5000, S_OK, 5000, "Automation error"},
+        RecordCase{"a result that is a number", 0, ResultOf(61), 61, "Disk full"},
+        RecordCase{"a result that means one", 0, DISP_E_OVERFLOW, 6, "Overflow"},
+        RecordCase{"another result", 0, E_FAIL, E_FAIL, TextOfResult(E_FAIL)}}) {
+    EXCEPINFO record{};
+    record.wCode = row.code;
+    record.scode = row.result;
+    const AutomationError error = TakeError(record);
+    EXPECT_EQ(error.number(), row.number) << row.name;
+    EXPECT_EQ(error.description(), row.description) << row.name;
+  }
+}
+
+TEST(ComErrors, OfAResultAloneGetTheUsualTextOfTheirNumber) {
+  EXPECT_EQ(ErrorOf(DISP_E_TYPEMISMATCH).description(), "Type mismatch");
+  SetErrorInfo(0, nullptr);
+  EXPECT_EQ(ErrorLeftBy(ResultOf(13)).description(), "Type mismatch");
+  EXPECT_EQ(ErrorOf(E_FAIL).description(), TextOfResult(E_FAIL));
 }
 
 TEST(ComErrors, AreLeftAndFoundAsErrorInformation) {
