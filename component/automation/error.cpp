@@ -13,19 +13,14 @@ struct UsualText {
   const char* text;
 };
 
-// The run-time errors of automation languages with their texts.
-constexpr std::array<UsualText, 45> kUsualTexts{{
+// The run-time errors that collaborators, files and automation itself raise, with their texts.
+constexpr std::array<UsualText, 31> kUsualTexts{{
     {5, "Invalid procedure call or argument"},
     {6, "Overflow"},
     {7, "Out of memory"},
     {9, "Subscript out of range"},
-    {10, "This array is fixed or temporarily locked"},
     {11, "Division by zero"},
     {13, "Type mismatch"},
-    {14, "Out of string space"},
-    {28, "Out of stack space"},
-    {48, "Error in loading DLL"},
-    {51, "Internal error"},
     {52, "Bad file name or number"},
     {53, "File not found"},
     {54, "Bad file mode"},
@@ -38,28 +33,19 @@ constexpr std::array<UsualText, 45> kUsualTexts{{
     {68, "Device unavailable"},
     {70, "Permission denied"},
     {71, "Disk not ready"},
-    {74, "Can't rename with different drive"},
     {75, "Path/File access error"},
     {76, "Path not found"},
     {91, "Object variable or With block variable not set"},
-    {92, "For loop not initialized"},
-    {93, "Invalid pattern string"},
     {94, "Invalid use of Null"},
     {424, "Object required"},
     {429, "ActiveX component can't create object"},
     {430, "Class doesn't support Automation"},
-    {432, "File name or class name not found during Automation operation"},
     {438, "Object doesn't support this property or method"},
     {440, "Automation error"},
     {445, "Object doesn't support this action"},
-    {446, "Object doesn't support named arguments"},
-    {447, "Object doesn't support current locale setting"},
     {448, "Named argument not found"},
     {449, "Argument not optional"},
     {450, "Wrong number of arguments or invalid property assignment"},
-    {451, "Object not a collection"},
-    {457, "This key is already associated with an element of this collection"},
-    {462, "The remote server machine does not exist or is unavailable"},
 }};
 
 AutomationError Of(RunTimeError error, std::string text) {

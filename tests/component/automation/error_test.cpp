@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <functional>
 #include <limits>
+#include <map>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -52,6 +53,46 @@ INSTANTIATE_TEST_SUITE_P(
                  "ActiveX component can't create object"},
         TextCase{"AutomationError", RunTimeError::kAutomationError, 440, "Automation error"}),
     [](const auto& one) { return one.param.name; });
+
+TEST(UsualTexts, AreThoseOfTheRunTimeErrorsOfAutomationLanguages) {
+  const std::map<std::int32_t, std::string> texts = {
+      {5, "Invalid procedure call or argument"},
+      {6, "Overflow"},
+      {7, "Out of memory"},
+      {9, "Subscript out of range"},
+      {11, "Division by zero"},
+      {13, "Type mismatch"},
+      {52, "Bad file name or number"},
+      {53, "File not found"},
+      {54, "Bad file mode"},
+      {55, "File already open"},
+      {57, "Device I/O error"},
+      {58, "File already exists"},
+      {61, "Disk full"},
+      {62, "Input past end of file"},
+      {67, "Too many files"},
+      {68, "Device unavailable"},
+      {70, "Permission denied"},
+      {71, "Disk not ready"},
+      {75, "Path/File access error"},
+      {76, "Path not found"},
+      {91, "Object variable or With block variable not set"},
+      {94, "Invalid use of Null"},
+      {424, "Object required"},
+      {429, "ActiveX component can't create object"},
+      {430, "Class doesn't support Automation"},
+      {438, "Object doesn't support this property or method"},
+      {440, "Automation error"},
+      {445, "Object doesn't support this action"},
+      {448, "Named argument not found"},
+      {449, "Argument not optional"},
+      {450, "Wrong number of arguments or invalid property assignment"},
+  };
+  for (const auto& [number, text] : texts) EXPECT_EQ(UsualTextOf(number), text) << number;
+  for (const std::int32_t other : {0, 1, 8, 12, 4711, -1, -822}) {
+    EXPECT_STREQ(UsualTextOf(other), "Automation error") << other;
+  }
+}
 
 struct CurrentCase {
   std::string name;
