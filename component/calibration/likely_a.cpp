@@ -19,7 +19,7 @@ constexpr std::int16_t kFewestCandidates = 3;
 constexpr std::int32_t kRunning = 2;
 
 // Counting with 16 bits: error 6 beyond 32,767.
-std::int16_t Next(std::int16_t counter) {
+std::int16_t Next(std::int32_t counter) {
   return ToInt16(counter + 1.0);
 }
 
@@ -245,8 +245,8 @@ void CalibrateProcedureA(Instrument& instrument, CandidateTable& Data,
     std::int32_t row = 0;
     // Masses and peaks are counted with 16 bits. What was paired before a counter passes 32,767
     // stays.
-    for (std::int16_t m = ToInt16(Variant(masses.LBound())); m <= masses.UBound(); m = Next(m)) {
-      for (std::int16_t p = 0; p < n_peaks; p = Next(p)) {
+    for (std::int32_t m = masses.LBound(); m <= masses.UBound(); m = Next(m)) {
+      for (std::int32_t p = 0; p < n_peaks; p = Next(p)) {
         const double time_ns = peakListInNanoseconds.GetRecord(p).position;
         const double flight_us = Subtract(time_ns / 1000.0, dt0);
         Candidate& candidate = Data(row);
