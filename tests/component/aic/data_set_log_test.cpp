@@ -49,6 +49,17 @@ class TheDataSetLog : public fakes::CalibrationFixture {
   PeakTable peaks;
 };
 
+TEST_F(TheDataSetLog, TakesTheMeasurementsFromTheLowerBoundOfMassZero) {
+  Fill(1, 1);
+  peaks(0).SpectrumAttribs.ReDim({1, 2}, {0, 1});
+  peaks(0).SpectrumAttribs(1, 0).time = 10.5;
+  peaks(0).SpectrumAttribs(2, 0).time = 20.5;
+  Write();
+  EXPECT_EQ(Bytes(), kHeader +
+                         "20240229, 130509, 0, 1, 10.5, 0\r\n"
+                         "20240229, 130509, 0, 2, 20.5, 0\r\n");
+}
+
 TEST_F(TheDataSetLog, GetsAHeaderAndARowForEveryMassAndMeasurement) {
   Fill(3, 5);
   Write();
