@@ -72,8 +72,11 @@ INSTANTIATE_TEST_SUITE_P(
               [](Parameters& p, double v) { p.acquisition.window_end_us = v; }},
         Limit{"bin_ns", 60e3, Above(60e3), "at least one bin in the window",
               [](Parameters& p, double v) { p.acquisition.bin_ns = v; }},
-        Limit{"bin_ns", 1.2e-3, 1.1999e-3, "at most 50 million bins in the window",
-              [](Parameters& p, double v) { p.acquisition.bin_ns = v; }},
+        Limit{"bin_ns", 0x1p-10, 0.9999 * 0x1p-10, "at most 50 million bins in the window",
+              [](Parameters& p, double v) {
+                p.acquisition.window_end_us = 12.0 + 48.828125;  // 50 million times 2^-10 ns
+                p.acquisition.bin_ns = v;
+              }},
         Limit{"pulses_per_spectrum", 1.0, 0.0, "1 to 1000000000",
               [](Parameters& p, double v) {
                 p.acquisition.pulses_per_spectrum = static_cast<std::int64_t>(v);
