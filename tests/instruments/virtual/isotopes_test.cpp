@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <stdexcept>
 #include <string>
 
@@ -139,6 +140,16 @@ TEST(IsotopePattern, MergesOneNominalMassAtItsMean) {
       (carbon * 1.00335483534 + oxygen17 * (16.99913175595 - 15.99491461926)) / (carbon + oxygen17),
       1e-12);
   EXPECT_NEAR(pattern[2].relative_abundance, oxygen18 + carbon * oxygen17, 1e-12);
+}
+
+TEST(IsotopePattern, HasOnePeakForANominalMass) {
+  for (const char* formula : {"H2", "C2", "N2", "O2", "Si2", "S2"}) {
+    double last = -1.0;
+    for (const IsotopePeak& peak : IsotopePattern(ParseFormula(formula), 1e-12)) {
+      EXPECT_GT(std::round(peak.mass_offset_u), last) << formula;
+      last = std::round(peak.mass_offset_u);
+    }
+  }
 }
 
 TEST(IsotopePattern, LeavesOutWhatIsBelowTheLimit) {
