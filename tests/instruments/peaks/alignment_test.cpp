@@ -166,6 +166,26 @@ TEST(Alignment, FindsCalibrantsBehindSevenStrongerPeaksEach) {
   EXPECT_NEAR(found.Correct(40e3) / 40e3 - 1.0, 0.004, 1e-6);
 }
 
+// Of each half of the range the six calibrants with the most abundant peaks make proposals. Here
+// five of them are not there, and something else is strong in their windows.
+TEST(Alignment, BearsFiveStrongInterferencesInEachHalf) {
+  std::vector<double> times_ns;
+  for (int i = 0; i < 26; ++i) times_ns.push_back(20e3 + 2e3 * i);
+  std::vector<Cluster> clusters;
+  for (std::size_t i = 0; i < times_ns.size(); ++i) {
+    const std::size_t in_half = i % 13;
+    if (in_half % 2 == 1 && in_half < 10) {
+      const double part = 0.006 + 0.0017 * static_cast<double>(i * i % 7);
+      clusters.push_back(ClusterAt(times_ns[i] * (1.0 - part), 9.0, 5'000.0));
+    } else {
+      clusters.push_back(ClusterAt(1.004 * times_ns[i]));
+    }
+  }
+  const Alignment found = AlignTimes(ExpectedAt(times_ns, 0.02), clusters, kNarrow);
+  EXPECT_EQ(found.matched, 16u);
+  EXPECT_NEAR(found.Correct(40e3) / 40e3 - 1.0, 0.004, 1e-6);
+}
+
 TEST(Alignment, PrefersTheStrongerOfTwoNearClustersAndTheNearerOfTwoAlike) {
   const auto correction_with = [](double snr_of_the_near_ones) {
     std::vector<Cluster> clusters;
