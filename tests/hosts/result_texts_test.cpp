@@ -209,23 +209,6 @@ ConformanceReport SampleConformance() {
                       {"B.three", "B", "B is, too.", Outcome::kPass}}};
 }
 
-TEST(ConformanceTexts, TellAllOfIt) {
-  EXPECT_EQ(TableOf(SampleConformance()),
-            "bench 7\n"
-            "\n"
-            "pass  A.one\n"
-            "FAIL  A.two\n"
-            "      Two is relied on.\n"
-            "      expected: 2\n"
-            "      found:    3\n"
-            "\n"
-            "n/a   B.one: no B\n"
-            "pass  B.two\n"
-            "pass  B.three\n"
-            "\n"
-            "3 passed, 1 failed, 1 not applicable\n");
-}
-
 TEST(ConformanceJson, TellsAllOfIt) {
   EXPECT_EQ(json::parse(JsonOf(SampleConformance())), json::parse(R"({
     "ok": false, "instrument": "bench 7", "passed": 3, "failed": 1, "not_applicable": 1,

@@ -8,7 +8,6 @@
 
 #include "instruments/spectra/input_file.h"
 #include "tests/instruments/conformance/decorated_instrument.h"
-#include "tests/instruments/conformance/outcomes.h"
 #include "tests/instruments/standin/test_instrument.h"
 
 namespace tof::conformance {
@@ -59,21 +58,6 @@ TEST(Suite, TakesAnErrorForAFailureOfTheCheckThatMeetsIt) {
     EXPECT_EQ(result.found, "error 4711: The parser is on fire");
   }
   EXPECT_EQ(failures, 1);
-}
-
-struct ParserWithoutAnotherWindow : ForwardingSpecParser {
-  using ForwardingSpecParser::ForwardingSpecParser;
-  PeakAttribsTable GetCalibrantPeakAttributes(const Variant& masses, double window) override {
-    if (window != -1.0) throw AutomationError(5, "This parser has but its own window");
-    return inner_->GetCalibrantPeakAttributes(masses, window);
-  }
-};
-
-TEST(Suite, LeavesTheWindowToTheParser) {
-  standin::TestInstrument test;
-  DecoratedInstrument decorated(test.instrument);
-  decorated.wrappers.Use<ParserWithoutAnotherWindow>();
-  EXPECT_THAT(Failures(RunChecks({.factory = decorated, .host = test.host})), ::testing::IsEmpty());
 }
 
 TEST(Suite, SaysWhichCheckHasToPassFirst) {
