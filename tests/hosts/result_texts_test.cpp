@@ -184,6 +184,14 @@ TEST(ApplyTexts, TellAllOfIt) {
             "were\n");
 }
 
+TEST(ApplyTexts, MentionASingleOne) {
+  ApplyReport report = SampleApply();
+  report.counts = {1, 40, 1, 1, 1};
+  EXPECT_THAT(TableOf(report), HasSubstr("\n1 bins lie outside the window"));
+  EXPECT_THAT(TableOf(report), HasSubstr("\n1 bins lie before t0"));
+  EXPECT_THAT(TableOf(report), HasSubstr("\n1 terms that state an m/z"));
+}
+
 TEST(ApplyTexts, LeaveOutWhatThereIsNone) {
   ApplyReport report = SampleApply();
   report.facts.clear();
