@@ -109,6 +109,16 @@ TEST(Fairness, SaysThatAnInstrumentHasNoStatusReader) {
                   "StatusReader.reads-the-run-state: expected a status reader, found none"));
 }
 
+TEST(Fairness, NeedsNoDisplayOfSpectra) {
+  standin::TestInstrument test;
+  DecoratedInstrument decorated(test.instrument);
+  decorated.wrappers.GiveNone<SpectrumDisplay>();
+  const auto results = RunChecks({.factory = decorated, .host = test.host});
+  EXPECT_THAT(Failures(results), IsEmpty());
+  EXPECT_EQ(NotApplicables(results).at("SpectrumDisplay.freezes-and-goes-live"),
+            "the instrument has no spectrum display");
+}
+
 // With setpoint 162 on, the limit of A is another setting.
 TEST(Fairness, LooksForTheLimitThatTheInstrumentGoesBy) {
   const auto failures_without = [](const std::string& setting) {
