@@ -45,6 +45,15 @@ INSTANTIATE_TEST_SUITE_P(
                     BadFormula{"2C", "position 1: expected an element symbol"},
                     BadFormula{"C2 H", "position 3: expected an element symbol"},
                     BadFormula{"C2Xx", "position 3: expected one of the elements"},
+                    BadFormula{"Ar", "position 1: expected one of the elements"},
+                    BadFormula{"C2Zz", "position 3: expected one of the elements"},
+                    BadFormula{"@", "position 1: expected an element symbol"},
+                    BadFormula{"[", "position 1: expected an element symbol"},
+                    BadFormula{"C`", "position 2: expected an element symbol"},
+                    BadFormula{"C{", "position 2: expected an element symbol"},
+                    BadFormula{"C/", "position 2: expected an element symbol"},
+                    BadFormula{"C:", "position 2: expected an element symbol"},
+                    BadFormula{"C10001", "expected a count of at most 10000"},
                     BadFormula{"C0", "position 3: expected a count of at least 1"},
                     BadFormula{"C99999999999999999999", "expected a count of at most 10000"}));
 
