@@ -119,6 +119,18 @@ TEST(Fairness, NeedsNoDisplayOfSpectra) {
             "the instrument has no spectrum display");
 }
 
+struct ReaderOfVariantsAtZero : ForwardingStatusReader {
+  using ForwardingStatusReader::ForwardingStatusReader;
+  Variant Read(const std::string& name, const std::string& type, std::int32_t zero) override {
+    if (type != "VARIANT" || zero != 0) throw AutomationError(5, "no such reading");
+    return inner_->Read(name, type, zero);
+  }
+};
+
+TEST(Fairness, ReadsTheStatusAsACalibrationDoes) {
+  EXPECT_THAT(Failures(ResultsWith<ReaderOfVariantsAtZero>()), IsEmpty());
+}
+
 // With setpoint 162 on, the limit of A is another setting.
 TEST(Fairness, LooksForTheLimitThatTheInstrumentGoesBy) {
   const auto failures_without = [](const std::string& setting) {

@@ -54,6 +54,7 @@ TEST(ChooseTerms, EveryCandidateHasAReason) {
       ChooseTerms(Simulate(curve, 25, 1.0).Get(), kWindow, Weighting::kRelativeMass);
   ASSERT_EQ(choice.candidates.size(), 1 + kTermCount);
   for (const Candidate& candidate : choice.candidates) EXPECT_FALSE(candidate.reason.empty());
+  EXPECT_EQ(choice.candidates[0].reason, "A and t0 alone: the start");
   EXPECT_TRUE(choice.candidates[choice.chosen].accepted);
 }
 

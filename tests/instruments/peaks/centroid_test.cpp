@@ -45,6 +45,31 @@ TEST(Centroid, CentreOfGravityBearsPeaksOfABinAndAHalf) {
   }
 }
 
+// Three bins determine a parabola, however narrow the peak is.
+TEST(Centroid, LogParabolaBearsPeaksOfABinAndAQuarter) {
+  for (const double offset : {-0.3, 0.0, 0.2}) {
+    SimulatedSpectrum spectrum(0.0, 200.0, 1.0);
+    spectrum.AddSmoothPeak(100.0 + offset, 1.25, 1e6);
+    EXPECT_NEAR(Centroid(TraceOf(spectrum), 100, 1.25, 0.0, By(CentroidMethod::kLogParabola)),
+                100.0 + offset, 0.1);
+  }
+}
+
+// Bins further off than 0.6 of the width do not count.
+TEST(Centroid, LogParabolaLooksAtTheTopOfThePeakAlone) {
+  SimulatedSpectrum spectrum(0.0, 200.0, 1.0);
+  spectrum.AddSmoothPeak(100.2, 10.0, 1e6);
+  Trace trace = TraceOf(spectrum);
+  const auto centre = [&trace] {
+    return Centroid(trace, 100, 10.0, 0.0, By(CentroidMethod::kLogParabola));
+  };
+  const double before = centre();
+  trace.intensity[107] *= 1.5;
+  EXPECT_EQ(centre(), before);
+  trace.intensity[106] *= 1.5;
+  EXPECT_GT(centre(), before + 0.05);
+}
+
 TEST(Centroid, CentreOfGravityOfCountedIonsIsNearTheStatisticalLimit) {
   constexpr double kIons = 400.0, kFwhmBins = 6.0;
   constexpr int kSpectra = 2'000;
