@@ -73,6 +73,8 @@ TEST_F(FitProgram, TakesThePeaksOfASpectrum) {
   const json result = json::parse(run.out);
   EXPECT_NEAR(result["coefficients"]["A"].get<double>(), kSampleA, kSampleA * 2e-6);
   EXPECT_TRUE(result["masses_without_peak"].empty());
+  // The window is what the spectrum covers.
+  EXPECT_EQ(result["window_ns"], json::array({20'000.0, 35'999.5}));
 }
 
 TEST_F(FitProgram, ReportsAMassWithoutAPeak) {

@@ -71,6 +71,24 @@ TEST(CalibrationLog, PassesOverAFitThatFailed) {
               ElementsAre());
 }
 
+TEST(CalibrationLog, TakesAMinuteForTheLongestFit) {
+  const std::string before = Block("13:00:00", 300) + Block("13:02:00", 300);
+  EXPECT_THAT(ResultsOf(before + Block("13:03:00", 301)), ElementsAre(301));
+  EXPECT_THAT(ResultsOf(before + Block("13:03:01", 301)), ElementsAre());
+  EXPECT_THAT(ResultsOf(before + Block("13:01:59", 301)), ElementsAre());
+}
+
+TEST(CalibrationLog, TakesNoFitWhoseTimeCannotBeTold) {
+  for (const char* time : {"13:02", "xx:02:00", "13:xx:00", "13:02:xx", "13:02:000"}) {
+    EXPECT_THAT(ResultsOf(Block("13:02:00", 300) + Block("13:02:00", 300) + Block(time, 301)),
+                ElementsAre())
+        << time;
+    EXPECT_THAT(ResultsOf(Block("13:02:00", 300) + Block(time, 300) + Block("13:02:00", 301)),
+                ElementsAre())
+        << time;
+  }
+}
+
 TEST(CalibrationLog, KnowsAFitAroundMidnight) {
   const std::string before = Block("23:59:00", 300) + Block("23:59:59", 300);
   std::string after = Block("00:00:01", 301);

@@ -273,7 +273,10 @@ INSTANTIATE_TEST_SUITE_P(
         Damage{"Length", "defaultArrayLength=\"4\"", "defaultArrayLength=\"5\"",
                "found 32 bytes of data, expected 40 bytes for 5 elements"},
         Damage{"Index", "<offset idRef=\"scan=1\">", "<offset idRef=\"scan=9\">",
-               "found an index of \"scan=9\", which is not there"},
+               "found an index of \"scan=9\", which is not there, expected the id of a spectrum"},
+        Damage{"IndexOfChromatograms", "<offset idRef=\"TIC\">", "<offset idRef=\"scan=0\">",
+               "found an index of \"scan=0\", which is not there, "
+               "expected the id of a chromatogram"},
         Damage{"NoSoftware", "softwareList count", "otherList count", "malformed XML"}),
     [](const auto& row) { return row.param.name; });
 

@@ -77,6 +77,18 @@ TEST(Recording, SaysInWhichCallItEnds) {
   });
 }
 
+TEST(Recording, SaysInWhichOfManyCallsItEnds) {
+  const testing::TemporaryFolder folder;
+  RecordingFile file(folder / "recording", "a test");
+  Recorder recorder(file);
+  recorder.Exchange({{}, "First.Call", Arguments()}, [](std::int64_t) { return Json(); });
+  recorder.Exchange({{}, "Second.Call", Arguments()}, [&](std::int64_t) {
+    EXPECT_EQ(ReadRecording(folder / "recording").cut->found,
+              "a call of Second.Call without its answer");
+    return Json();
+  });
+}
+
 TEST(Recording, NoticesEachByteThatWasChanged) {
   const std::string whole = SmallRecording();
   for (std::size_t i = 0; i + 1 < whole.size(); ++i) {

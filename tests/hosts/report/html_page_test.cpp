@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "hosts/report/page_assets.h"
 
 namespace tof::report {
@@ -53,6 +55,33 @@ TEST(Verdict, SaysWhatIsNotRecorded) {
   EXPECT_THAT(verdict, HasSubstr("whether abundance-immune is not recorded"));
   EXPECT_THAT(verdict, HasSubstr("what was put back is not recorded"));
 }
+
+struct OutcomeRow {
+  const char* name;
+  Outcome outcome;
+  const char* begin;  // of the verdict, with its class and its sign
+};
+
+class HtmlPageOf : public ::testing::TestWithParam<OutcomeRow> {};
+
+TEST_P(HtmlPageOf, TellsTheOutcomeBySignAndClass) {
+  ReportPage page = GoodPage();
+  page.outcome = GetParam().outcome;
+  EXPECT_THAT(HtmlOf(page), HasSubstr(std::string("<p id=\"verdict\" class=") + GetParam().begin));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Outcomes, HtmlPageOf,
+    ::testing::Values(
+        OutcomeRow{"Calibrated", Outcome::kCalibrated,
+                   "\"good\"><span aria-hidden=\"true\">\xE2\x9C\x93</span> Calibrated: "},
+        OutcomeRow{"Failed", Outcome::kFailed,
+                   "\"bad\"><span aria-hidden=\"true\">\xE2\x9C\x97</span> Not calibrated: "},
+        OutcomeRow{"Skipped", Outcome::kSkipped,
+                   "\"neither\"><span aria-hidden=\"true\">?</span> Not calibrated, because "},
+        OutcomeRow{"Unknown", Outcome::kUnknown,
+                   "\"neither\"><span aria-hidden=\"true\">?</span> Whether it was "}),
+    [](const auto& row) { return row.param.name; });
 
 TEST(HtmlPage, CannotBeEscapedFromByAName) {
   ReportPage page = GoodPage();

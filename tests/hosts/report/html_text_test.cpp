@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <string>
 
 namespace tof::report {
 namespace {
@@ -21,6 +22,26 @@ TEST(HtmlText, KeepsUtf8AndReplacesEverythingElse) {
   EXPECT_EQ(Escape("\xED\xA0\x80"), replacement + replacement + replacement);  // a surrogate
   EXPECT_EQ(Escape("cut \xE2\x82"), "cut " + replacement + replacement);
   EXPECT_EQ(Escape(std::string("a\0b", 3)), "a" + replacement + "b");
+}
+
+TEST(HtmlText, KeepsTheFirstAndTheLastCharacterOfEachLength) {
+  for (const char* character :
+       {" ", "~", "\x7F", "\n", "\t", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xEC\xBF\xBF",
+        "\xED\x9F\xBF", "\xEE\x80\x80", "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF3\xBF\xBF\xBF",
+        "\xF4\x8F\xBF\xBF"}) {
+    EXPECT_EQ(Escape(character), character);
+  }
+}
+
+TEST(HtmlText, ReplacesEachByteOfWhatIsNoCharacter) {
+  for (const std::string bytes :
+       {"\x01", "\x1F", "\r", "\x80", "\xBF", "\xFF", "\xC2", "\xC1\xBF", "\xC2\xC0",
+        "\xE0\x9F\xBF", "\xE1\x80\xC0", "\xED\xA0\x80", "\xED\xBF\xBF", "\xF0\x8F\xBF\xBF",
+        "\xF1\x80\x80\xC0", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80"}) {
+    std::string replaced;
+    for (std::size_t i = 0; i < bytes.size(); ++i) replaced += "\xEF\xBF\xBD";
+    EXPECT_EQ(Escape(bytes), replaced) << ::testing::PrintToString(bytes);
+  }
 }
 
 TEST(HtmlText, OfAScriptCannotEndIt) {

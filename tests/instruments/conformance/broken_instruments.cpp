@@ -146,6 +146,13 @@ struct UnknownSetpointReadsAsZero : ForwardingSetpointTable {
   }
 };
 
+struct SetpointMinusOneReadsAsZero : ForwardingSetpointTable {
+  using ForwardingSetpointTable::ForwardingSetpointTable;
+  Variant GetSetpoint(std::int32_t id) override {
+    return id == -1 ? Variant(0.0) : inner_->GetSetpoint(id);
+  }
+};
+
 struct UnknownSetpointIsWritten : ForwardingSetpointTable {
   using ForwardingSetpointTable::ForwardingSetpointTable;
   void SetSetpoint(std::int32_t id, ValueType type, const Variant& value) override {
@@ -419,6 +426,13 @@ struct MassStopsGrowing : ForwardingCoefficients {
   }
 };
 
+struct MassFallsAtTheEndOfTheAcquisition : ForwardingCoefficients {
+  using ForwardingCoefficients::ForwardingCoefficients;
+  double TimeToMass(double time_ns) override {
+    return time_ns < 72'000.0 ? inner_->TimeToMass(time_ns) : 0.0;
+  }
+};
+
 bool HasALostPeak(const BoundedArray<double>& times_ns) {
   return std::any_of(times_ns.begin(), times_ns.end(),
                      [](double time) { return std::isnan(time); });
@@ -522,6 +536,14 @@ struct ListWithoutEnds : ForwardingPeakList {
   using ForwardingPeakList::ForwardingPeakList;
   PeakRecord GetRecord(std::int32_t index) override {
     return index >= 0 && index < inner_->Count() ? inner_->GetRecord(index) : PeakRecord{};
+  }
+};
+
+struct ListThatRaisesAnotherError : ForwardingPeakList {
+  using ForwardingPeakList::ForwardingPeakList;
+  PeakRecord GetRecord(std::int32_t index) override {
+    if (index < 0 || index >= inner_->Count()) throw AutomationError(5, "no such record");
+    return inner_->GetRecord(index);
   }
 };
 
@@ -852,6 +874,7 @@ std::vector<BrokenInstrument> BrokenInstruments() {
       {"SetpointTable.rf-voltage-is-read-back", Using<RfVoltageReadWithAnOffset>},
       {"SetpointTable.current-rf-value-is-a-number", Using<CurrentValueWithItsUnit>},
       {"SetpointTable.unknown-id-cannot-be-read", Using<UnknownSetpointReadsAsZero>},
+      {"SetpointTable.unknown-id-cannot-be-read", Using<SetpointMinusOneReadsAsZero>},
       {"SetpointTable.unknown-id-cannot-be-written", Using<UnknownSetpointIsWritten>},
       {"SetpointTable.errors-carry-number-and-text", Using<SetpointErrorWithoutText>},
       {"SetpointTable.errors-carry-number-and-text", Using<SetpointErrorWithoutNumber>},
@@ -880,6 +903,7 @@ std::vector<BrokenInstrument> BrokenInstruments() {
       {"MassCalCoefficients.information-record-is-carried-through", Using<RecordThatLosesItsEnd>},
       {"MassCalCoefficients.time-and-mass-are-inverse", Using<MassToTimeIsOff>},
       {"MassCalCoefficients.mass-grows-with-time", Using<MassStopsGrowing>},
+      {"MassCalCoefficients.mass-grows-with-time", Using<MassFallsAtTheEndOfTheAcquisition>},
       {"MassCalCoefficients.fit-follows-the-calibrants", Using<FitThatDoesNothing>},
       {"MassCalCoefficients.record-holds-a-and-t0", Using<RecordFromBeforeTheFit>},
       {"MassCalCoefficients.lost-peak-is-refused", Using<LostPeakIsIgnored>},
@@ -891,6 +915,7 @@ std::vector<BrokenInstrument> BrokenInstruments() {
       {"PeakList.gives-records-back", Using<ListOfPositionsAndHeights>},
       {"PeakList.sets-a-record", Using<ListThatIsNotSet>},
       {"PeakList.index-outside-is-an-error", Using<ListWithoutEnds>},
+      {"PeakList.index-outside-is-an-error", Using<ListThatRaisesAnotherError>},
       {"PeakList.preparing-keeps-peaks", Using<ListEmptiedByPreparing>},
       {"SpecParser.parses-every-mass", Using<LastColumnMissing>},
       {"SpecParser.finds-calibrants", Using<ParserThatFindsNothing>},

@@ -134,6 +134,22 @@ TEST(DescriptionReader, NeedsNothingButNameWindowCoefficientsAndSource) {
   EXPECT_EQ(description.status.runstate, 2);
   EXPECT_FALSE(description.default_coefficients);
   EXPECT_EQ(description.poly_weighting, masstime::Weighting::kRelativeMass);
+  const auto& recorded = std::get<recorded::RecordedFiles>(description.source);
+  EXPECT_EQ(recorded.time_offset_ns, 0.0);
+  EXPECT_EQ(recorded.seconds_per_spectrum, 1.0);
+}
+
+TEST(DescriptionReader, TakesEdgesFromTheLeadingToTheTrailingOneAndOfOneLevel) {
+  for (const double position : {0.0, 1.0}) {
+    const InstrumentDescription description = ParseDescription(
+        SampleWith("edge_position=\"0.25\"",
+                   position == 0.0 ? "edge_position=\"0\"" : "edge_position=\"1\""),
+        "d.xml");
+    EXPECT_EQ(description.finder.pick.centroid.edges.position, position);
+  }
+  const auto& level = ParseDescription(SampleWith("edge_low=\"0.1\"", "edge_low=\"0.8\""), "d.xml")
+                          .finder.pick.centroid.edges;
+  EXPECT_EQ(level.low, level.high);
 }
 
 TEST(DescriptionReader, ReadsTheVirtualInstrumentsParameters) {

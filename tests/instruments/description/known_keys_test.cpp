@@ -20,6 +20,10 @@ TEST(KnownKeys, HoldOneScalarPerMassIndexFromZero) {
   EXPECT_FALSE(IsKnownSetting("Calibration", "AIC_ScalarForMass"));
   EXPECT_FALSE(IsKnownSetting("Calibration", "AIC_ScalarForMass01"));
   EXPECT_FALSE(IsKnownSetting("Calibration", "AIC_ScalarForMassX"));
+  // The neighbours of the digits.
+  EXPECT_FALSE(IsKnownSetting("Calibration", "AIC_ScalarForMass:"));
+  EXPECT_FALSE(IsKnownSetting("Calibration", "AIC_ScalarForMass/"));
+  EXPECT_TRUE(IsKnownSetting("Calibration", "AIC_ScalarForMass9"));
 }
 
 TEST(KnownKeys, HoldTenPlugValuesFromOne) {
@@ -27,6 +31,8 @@ TEST(KnownKeys, HoldTenPlugValuesFromOne) {
   EXPECT_TRUE(IsKnownSetting("Calibration", "AICAltSPPlugValueForMass10"));
   EXPECT_FALSE(IsKnownSetting("Calibration", "AICAltSPPlugValueForMass0"));
   EXPECT_FALSE(IsKnownSetting("Calibration", "AICAltSPPlugValueForMass11"));
+  EXPECT_TRUE(IsKnownSetting("Calibration", "AICAltSPPlugValueForMass9"));
+  EXPECT_FALSE(IsKnownSetting("Calibration", "AICAltSPPlugValueForMass:"));
 }
 
 TEST(KnownKeys, HoldTuneSettingsOfAnyConfiguration) {

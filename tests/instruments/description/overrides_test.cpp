@@ -99,7 +99,12 @@ TEST_F(Overrides, RefuseCalibrantsThatAreNoMasses) {
         OverrideCalibrants(description_, {100.0, -1.0});
       }),
       "override of the calibrants: found the mass -1.000000, expected finite, positive masses");
+  EXPECT_EQ(
+      InputErrorOf([&] { OverrideCalibrants(description_, {0.0}); }),
+      "override of the calibrants: found the mass 0.000000, expected finite, positive masses");
   EXPECT_EQ(CalibrantMasses(description_), before);
+  OverrideCalibrants(description_, {0.25});
+  EXPECT_EQ(CalibrantMasses(description_), std::vector<double>{0.25});
   description_.setpoints.erase(kCalibrantListSetpoint);
   EXPECT_NE(InputErrorOf([&] { OverrideCalibrants(description_, {100.0}); }).find("setpoint 117"),
             std::string::npos);

@@ -130,6 +130,12 @@ TEST(Fit, SaysThatCalibrantsDoNotDetermineTheTerms) {
 
 TEST(Fit, NeedsAWindowForTerms) {
   const auto calibrants = Simulate(kPlain, 8);
+  try {
+    FitTerms(calibrants.Get(), {5.0, 4.5}, 1, Weighting::kRelativeMass);
+    FAIL() << "fitted terms without a window";
+  } catch (const FitError& error) {
+    EXPECT_STREQ(error.what(), "terms need an acquisition window, not 5 to 4.5 ns");
+  }
   EXPECT_THROW(FitTerms(calibrants.Get(), {0.0, 0.0}, 1, Weighting::kRelativeMass), FitError);
   EXPECT_NO_THROW(FitTerms(calibrants.Get(), {0.0, 0.0}, 0, Weighting::kRelativeMass));
 }

@@ -59,6 +59,16 @@ TEST(StoredPeakList, PreparingDropsEmptyRecordsAndSortsByPosition) {
   EXPECT_EQ(list.GetRecord(1), PeakAt(300.0, 1.0));
 }
 
+TEST(StoredPeakList, PreparingKeepsASignalHoweverSmall) {
+  StoredPeakList list;
+  list.Add(PeakAt(100.0, std::numeric_limits<double>::denorm_min()));
+  list.Add(PeakAt(200.0, 0.0));
+  list.Add(PeakAt(300.0, -1.0));
+  list.PreparePeakList(5, 0);
+  ASSERT_EQ(list.Count(), 1);
+  EXPECT_EQ(list.GetRecord(0).position, 100.0);
+}
+
 TEST(StoredPeakList, PreparingCanSortByAnotherField) {
   StoredPeakList list;
   list.Add(PeakAt(100.0, 9.0));

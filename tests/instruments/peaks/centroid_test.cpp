@@ -45,6 +45,31 @@ TEST(Centroid, CentreOfGravityBearsPeaksOfABinAndAHalf) {
   }
 }
 
+// Three bins determine a parabola, however narrow the peak is.
+TEST(Centroid, LogParabolaBearsPeaksOfABinAndAQuarter) {
+  for (const double offset : {-0.3, 0.0, 0.2}) {
+    SimulatedSpectrum spectrum(0.0, 200.0, 1.0);
+    spectrum.AddSmoothPeak(100.0 + offset, 1.25, 1e6);
+    EXPECT_NEAR(Centroid(TraceOf(spectrum), 100, 1.25, 0.0, By(CentroidMethod::kLogParabola)),
+                100.0 + offset, 0.1);
+  }
+}
+
+// Bins further off than 0.6 of the width do not count.
+TEST(Centroid, LogParabolaLooksAtTheTopOfThePeakAlone) {
+  SimulatedSpectrum spectrum(0.0, 200.0, 1.0);
+  spectrum.AddSmoothPeak(100.2, 10.0, 1e6);
+  Trace trace = TraceOf(spectrum);
+  const auto centre = [&trace] {
+    return Centroid(trace, 100, 10.0, 0.0, By(CentroidMethod::kLogParabola));
+  };
+  const double before = centre();
+  trace.intensity[107] *= 1.5;
+  EXPECT_EQ(centre(), before);
+  trace.intensity[106] *= 1.5;
+  EXPECT_GT(centre(), before + 0.05);
+}
+
 TEST(Centroid, CentreOfGravityOfCountedIonsIsNearTheStatisticalLimit) {
   constexpr double kIons = 400.0, kFwhmBins = 6.0;
   constexpr int kSpectra = 2'000;
@@ -101,6 +126,45 @@ TEST(Centroid, LeadingEdgeNeedsNoTrailingOne) {
       std::isfinite(Centroid(trace, 100, 8.0, 0.0, {CentroidMethod::kEdges, {0.3, 0.9, 0.0}})));
   EXPECT_TRUE(
       std::isnan(Centroid(trace, 100, 8.0, 0.0, {CentroidMethod::kEdges, {0.3, 0.9, 0.5}})));
+}
+
+// A steep rise and a long tail: one step of a method that repeats itself is not enough.
+Trace Tailing() {
+  Trace trace{0.0, 1.0, std::vector<double>(100)};
+  for (std::size_t i = 0; i < trace.intensity.size(); ++i) {
+    const double bin = static_cast<double>(i) - 50.0;
+    trace.intensity[i] = 1e4 * std::exp(bin < 0.0 ? -0.2 * bin * bin : -0.04 * bin * bin);
+  }
+  return trace;
+}
+
+TEST(Centroid, OfAMethodThatRepeatsItselfIsTheSameFromEveryStart) {
+  const Trace trace = Tailing();
+  for (const CentroidMethod method :
+       {CentroidMethod::kCentreOfGravity, CentroidMethod::kGaussianFit,
+        CentroidMethod::kMatchedFilter}) {
+    const double centre = Centroid(trace, 50, 6.0, 0.0, By(method));
+    for (const std::size_t apex : {48U, 51U, 53U}) {
+      EXPECT_NEAR(Centroid(trace, apex, 6.0, 0.0, By(method)), centre, 1e-5)
+          << "method " << static_cast<int>(method) << " from " << apex;
+    }
+  }
+}
+
+// The signal under the window has no moment about the place that is found.
+TEST(Centroid, OfTheMatchedFilterIsWhereItsWindowRests) {
+  const Trace trace = Tailing();
+  const double sigma = 6.0 / kFwhmPerSigmaOfGaussian;
+  const double centre = Centroid(trace, 50, 6.0, 0.0, By(CentroidMethod::kMatchedFilter));
+  double sum = 0.0, moment = 0.0;
+  for (std::size_t i = 0; i < trace.intensity.size(); ++i) {
+    const double distance = static_cast<double>(i) - centre;
+    const double weighted =
+        std::exp(-0.5 * distance * distance / (sigma * sigma)) * trace.intensity[i];
+    sum += weighted;
+    moment += weighted * distance;
+  }
+  EXPECT_NEAR(moment / sum, 0.0, 1e-3);
 }
 
 TEST(Centroid, IsNoneWithoutASignal) {

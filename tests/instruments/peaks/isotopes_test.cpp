@@ -31,6 +31,62 @@ TEST(Isotopes, TheFirstMayBeMuchSmallerThanTheSecondInAHeavyIon) {
   ASSERT_EQ(GroupIsotopes(peaks, kModel, kWidth).size(), 1U);
 }
 
+// A peak one isotope behind another may have 0.25 + 1.155e-3 per u times the height of that one.
+TEST(Isotopes, AreBoundedByWhatCarbonCanHave) {
+  const auto clusters_of = [](double mass, double ratio) {
+    const std::vector<Peak> peaks{PeakOf(mass, 1'000.0), PeakOf(mass + 1.0033548, 1'000.0 * ratio)};
+    return GroupIsotopes(peaks, kModel, kWidth).size();
+  };
+  EXPECT_EQ(clusters_of(100.0, 0.36), 1U);
+  EXPECT_EQ(clusters_of(100.0, 0.37), 2U);
+  EXPECT_EQ(clusters_of(2000.0, 2.55), 1U);
+  EXPECT_EQ(clusters_of(2000.0, 2.57), 2U);
+}
+
+// An isotope may lie 6 per cent of the spacing and half a peak width from its place, and never more
+// than a quarter of the spacing. At 2000 u the spacing is 17.25 ns, a peak 3.45 ns wide.
+TEST(Isotopes, MayLieSomewhatOffTheirPlace) {
+  const auto clusters_with = [](double off_ns, const PeakWidthModel& width) {
+    std::vector<Peak> peaks{PeakOf(2000.0, 900.0), PeakOf(2001.0033548, 1'000.0)};
+    peaks[1].time_ns += off_ns;
+    return GroupIsotopes(peaks, kModel, width).size();
+  };
+  const double spacing_ns = IsotopeSpacing(kModel, PeakOf(2000.0, 1.0).time_ns);
+  const double fwhm_ns = kWidth.FwhmAt(PeakOf(2000.0, 1.0).time_ns);
+  const double tolerance_ns = 0.06 * spacing_ns + 0.5 * fwhm_ns;
+  for (const double sign : {-1.0, 1.0}) {
+    EXPECT_EQ(clusters_with(sign * 0.99 * tolerance_ns, kWidth), 1U) << sign;
+    EXPECT_EQ(clusters_with(sign * 1.01 * tolerance_ns, kWidth), 2U) << sign;
+    const PeakWidthModel broad = WidthFromResolvingPower(4'000.0);  // 8.6 ns
+    EXPECT_EQ(clusters_with(sign * 0.249 * spacing_ns, broad), 1U) << sign;
+    EXPECT_EQ(clusters_with(sign * 0.255 * spacing_ns, broad), 2U) << sign;
+  }
+}
+
+TEST(Isotopes, AreResolvedWhenTheirSpacingIsAFifthMoreThanAPeakWidth) {
+  const std::vector<Peak> peaks{PeakOf(2000.0, 900.0), PeakOf(2001.0033548, 1'000.0)};
+  const double time_ns = peaks[1].time_ns;
+  const double spacing_ns = IsotopeSpacing(kModel, time_ns);
+  const auto clusters_at = [&](double fwhm_ns) {
+    return GroupIsotopes(peaks, kModel, WidthFromResolvingPower(time_ns / (2.0 * fwhm_ns))).size();
+  };
+  EXPECT_EQ(clusters_at(spacing_ns / 1.21), 1U);
+  EXPECT_EQ(clusters_at(spacing_ns / 1.19), 2U);
+}
+
+TEST(Isotopes, FollowTheStrongestPeakInTheirPlace) {
+  const double spacing_u = 1.0033548;
+  for (const bool first_is_stronger : {true, false}) {
+    std::vector<Peak> peaks{PeakOf(2000.0, first_is_stronger ? 1'000.0 : 800.0),
+                            PeakOf(2000.05, first_is_stronger ? 800.0 : 1'000.0),
+                            PeakOf(2000.02 + spacing_u, 500.0)};
+    const std::vector<Cluster> clusters = GroupIsotopes(peaks, kModel, kWidth);
+    ASSERT_EQ(clusters.size(), 2U);
+    EXPECT_EQ(clusters[first_is_stronger ? 0 : 1].abundance, 8.0 * 1'500.0);
+    EXPECT_EQ(clusters[first_is_stronger ? 1 : 0].abundance, 8.0 * 800.0);
+  }
+}
+
 TEST(Isotopes, ASmallPeakBeforeAnIonIsNotItsFirstIsotope) {
   const std::vector<Peak> peaks{PeakOf(798.997, 50.0), PeakOf(800.0, 1'000.0),
                                 PeakOf(801.003, 500.0)};

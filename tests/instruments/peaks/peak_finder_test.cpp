@@ -116,6 +116,33 @@ TEST(PeakFinder, OneVisibleCalibrantIsFoundWithAGoodCalibration) {
   EXPECT_NEAR(peaks[0]->time_ns, TimeOf(702.863), 0.4);
 }
 
+// Calibrants that scatter widely about the correction are looked for further away, but no further
+// than 0.4 of the distance to the next isotope.
+TEST(PeakFinder, NeverLooksAsFarAsTheNextIsotope) {
+  const std::vector<double> others{300.0, 310.0, 700.0, 710.0, 1300.0, 1310.0, 2000.0, 2010.0};
+  const std::vector<double> signs{1.0, -1.0, -1.0, 1.0, 1.0, -1.0, -1.0, 1.0};
+  const auto found_at = [&](double part_of_spacing) {
+    SimulatedSpectrum spectrum(15'000.0, 85'000.0, 0.5);
+    const auto add = [&spectrum](double time_ns) {
+      spectrum.AddSmoothPeak(time_ns, time_ns / (2.0 * kResolvingPower), 150'000.0);
+    };
+    for (std::size_t i = 0; i < others.size(); ++i) {
+      add(TimeOf(others[i]) * (1.0 + 6e-5 * signs[i]));
+    }
+    const double time_ns = TimeOf(1000.0);
+    add(time_ns + part_of_spacing * IsotopeSpacing(kModel, time_ns));
+    spectrum.AddBackground(30.0, 10.0);
+    std::vector<double> masses = others;
+    masses.push_back(1000.0);
+    const auto peaks = FindCalibrants(spectrum.Get(), masses, kModel, kOwnWindow);
+    for (std::size_t i = 0; i < others.size(); ++i) EXPECT_TRUE(peaks[i].has_value()) << others[i];
+    return peaks.back().has_value();
+  };
+  EXPECT_TRUE(found_at(0.25));
+  EXPECT_FALSE(found_at(0.5));
+  EXPECT_FALSE(found_at(-0.5));
+}
+
 TEST(PeakFinder, TwoLikeClustersInTheWindowOfALoneCalibrantAreAmbiguous) {
   const std::vector<double> masses{702.863};
   EXPECT_FALSE(FindCalibrants(SpectrumOf({702.863, 704.5}).Get(), masses, kModel, kOwnWindow)[0]

@@ -111,6 +111,13 @@ TEST_F(AbundanceSearch, OfTheFirmwareRefusesAWindowWithoutWidth) {
   };
   EXPECT_EQ(search(2e4F, 2e4F), 5);
   EXPECT_EQ(search(std::nanf(""), 2e4F), 5);
+  try {
+    firmware->BinarySearchForTargetAb(22, 1e5F, 2e5F, 1.0F, 0.1F, 20.0F, 160.0F, 1, 2e4F, 1.5e4F);
+    FAIL() << "searched";
+  } catch (const AutomationError& error) {
+    EXPECT_EQ(error.description(),
+              "Can't search for an abundance: no peak lies between 20000 and 15000 ns");
+  }
   EXPECT_EQ(test_.instrument.Counted().setpoint_writes, 0);
 }
 

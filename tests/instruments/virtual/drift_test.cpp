@@ -40,8 +40,17 @@ TEST(FlightPathDrift, RefusesToGoBack) {
   FlightPathDrift drift({0.2, 0.05}, Random(1, 0));
   drift.AdvanceTo(60.0);
   const double before = drift.ppm();
-  EXPECT_THROW(drift.AdvanceTo(59.0), std::invalid_argument);
+  try {
+    drift.AdvanceTo(59.0);
+    FAIL() << "went back";
+  } catch (const std::invalid_argument& error) {
+    EXPECT_STREQ(error.what(), "virtual instrument: time 59 s, expected a time not before 60 s");
+  }
   EXPECT_THROW(drift.AdvanceTo(std::numeric_limits<double>::quiet_NaN()), std::invalid_argument);
+  EXPECT_THROW(drift.AdvanceTo(std::numeric_limits<double>::infinity()), std::invalid_argument);
+  EXPECT_EQ(drift.ppm(), before);
+  EXPECT_EQ(drift.now_sec(), 60.0);
+  EXPECT_NO_THROW(drift.AdvanceTo(60.0));
   EXPECT_EQ(drift.ppm(), before);
 }
 
@@ -59,6 +68,25 @@ TEST(SourceFlicker, CommonFactorHasItsSpreadMeanAndMemory) {
     products += (factors[i] - moments.mean) * (factors[i - 1] - moments.mean);
   }
   EXPECT_NEAR(products / (kSpectra - 1) / moments.variance, 0.8, 0.01);
+}
+
+// A log-normal factor of spread 1 has exp(0.5) times its median for a mean; the scale makes up for
+// it.
+TEST(SourceFlicker, FactorsHaveMeanOneAndTheirSpreadWhateverItIs) {
+  constexpr int kDraws = 200'000;
+  SourceFlicker flicker({1.0, 0.0, 0.5}, Random(4, 0));
+  std::vector<double> common;
+  std::vector<double> own;
+  for (int i = 0; i < kDraws; ++i) {
+    common.push_back(flicker.NextCommonFactor());
+    own.push_back(flicker.NextOwnFactor());
+  }
+  const Moments of_common = MomentsOf(common);
+  const Moments of_own = MomentsOf(own);
+  EXPECT_NEAR(of_common.mean, 1.0, 4.0 * std::sqrt((std::exp(1.0) - 1.0) / kDraws));
+  EXPECT_NEAR(of_common.variance, std::exp(1.0) - 1.0, 0.15);
+  EXPECT_NEAR(of_own.mean, 1.0, 4.0 * std::sqrt((std::exp(0.25) - 1.0) / kDraws));
+  EXPECT_NEAR(of_own.variance, std::exp(0.25) - 1.0, 0.02);
 }
 
 TEST(SourceFlicker, OwnFactorsRememberNothing) {

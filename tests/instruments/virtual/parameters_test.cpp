@@ -8,6 +8,8 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace tof::virtual_instrument {
 namespace {
@@ -102,6 +104,39 @@ INSTANTIATE_TEST_SUITE_P(
         BadParameter{"mass_u", [](Parameters& p) { p.calibrants[0].mass_u = 0.0; }},
         BadParameter{"ions_per_pulse",
                      [](Parameters& p) { p.contaminants[0].ions_per_pulse = -1.0; }}));
+
+TEST(Parameters, OfADetectorWithoutGainChannelsAreRefused) {
+  Parameters parameters;
+  parameters.detector.gain_channels.clear();
+  try {
+    Validate(parameters);
+    FAIL() << "accepted";
+  } catch (const std::invalid_argument& error) {
+    EXPECT_STREQ(error.what(),
+                 "virtual instrument: number of gain channels is 0, expected at least 1");
+  }
+}
+
+// Sodium formate, (HCOONa)n Na+.
+TEST(Parameters, BuiltInCalibrantsHaveTheirFormulasAndRates) {
+  const std::vector<std::pair<int, double>> expected{
+      {1, 3.277},  {2, 1.517},  {3, 3.239},  {5, 9.003},  {7, 5.724},
+      {10, 2.337}, {13, 1.956}, {17, 1.828}, {21, 1.489}, {26, 1.703}};
+  const std::vector<Species> calibrants = BuiltInCalibrants();
+  ASSERT_EQ(calibrants.size(), expected.size());
+  for (std::size_t i = 0; i < expected.size(); ++i) {
+    const auto [n, rate] = expected[i];
+    EXPECT_EQ(calibrants[i].composition,
+              (Composition{{"C", n}, {"H", n}, {"O", 2 * n}, {"Na", n + 1}}));
+    EXPECT_EQ(calibrants[i].ions_per_pulse, rate);
+  }
+}
+
+TEST(Parameters, ContaminantsAreFewAgainstTheCalibrants) {
+  std::vector<double> rates;
+  for (const Species& species : BuiltInContaminants()) rates.push_back(species.ions_per_pulse);
+  EXPECT_THAT(rates, testing::ElementsAre(0.02, 0.03, 0.02, 0.04, 0.03));
+}
 
 }  // namespace
 }  // namespace tof::virtual_instrument

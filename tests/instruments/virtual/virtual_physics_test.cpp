@@ -36,6 +36,23 @@ Parameters QuietLonePeak(double ions_per_pulse) {
   return parameters;
 }
 
+// Of the bins that lie in the window as a whole.
+TEST(VirtualPhysics, HasTheBinsOfItsWindow) {
+  const auto bins_of = [](double bin_ns) {
+    Parameters parameters = QuietLonePeak(0.1);
+    parameters.acquisition.bin_ns = bin_ns;
+    const spectra::Spectrum spectrum = VirtualPhysics(parameters, 1).Acquire(0.0, kRfVolts, 1);
+    EXPECT_EQ(spectrum.intensity.size(), spectrum.time_ns.size());
+    EXPECT_EQ(spectrum.bin_width_ns, bin_ns);
+    EXPECT_DOUBLE_EQ(spectrum.time_ns.front(), 14'000.0 + 0.5 * bin_ns);
+    return spectrum.time_ns.size();
+  };
+  EXPECT_EQ(bins_of(0.25), 12'000U);
+  EXPECT_EQ(bins_of(0.1), 30'000U);
+  EXPECT_EQ(bins_of(0.7), 4'285U);
+  EXPECT_EQ(bins_of(3'000.0), 1U);
+}
+
 struct PeakMoments {
   double ions = 0.0;
   double centroid_ns = 0.0;
