@@ -40,7 +40,13 @@ TEST(OutputFile, LeavesNothingBehindWhenItIsNotCommitted) {
 TEST(OutputFile, RefusesAMissingFolderAndAFolderAtOnce) {
   const TemporaryFolder folder;
   EXPECT_THROW(OutputFile(folder / "none/a.json"), InputError);
-  EXPECT_THROW(OutputFile(folder.path()), InputError);
+  try {
+    const OutputFile file(folder.path());
+    FAIL() << "took a folder for a file";
+  } catch (const InputError& error) {
+    EXPECT_EQ(error.what(),
+              folder.path().string() + ": found a folder, expected a file that can be written");
+  }
 }
 
 TEST(OutputFile, SaysThatTheDiskIsFull) {

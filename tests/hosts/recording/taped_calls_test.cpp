@@ -3,10 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "hosts/recording/recorder.h"
+#include "hosts/recording/recording.h"
 #include "hosts/recording/taped_configuration.h"
+#include "hosts/recording/taped_mass_time.h"
+#include "instruments/masstime/stored_peak_list.h"
 #include "tests/hosts/temporary_folder.h"
 
 namespace tof::recording {
@@ -46,6 +50,30 @@ TEST(TapedFirmwareLibrary, HandsItsTenArgumentsOn) {
   EXPECT_THAT(testing::BytesOf(folder / "recording"),
               ::testing::HasSubstr("\"do\":\"FirmwareLibrary.BinarySearchForTargetAb\",\"with\":"
                                    "[1,2.5,3.5,4.5,5.5,6.5,7.5,8,9.5,10.5],\"gives\":61.5"));
+}
+
+// Every operation of a list is recorded by its name.
+TEST(TapedPeakList, IsRecordedByTheNamesOfItsOperations) {
+  const testing::TemporaryFolder folder;
+  RecordingFile file(folder / "recording", "a test");
+  Recorder recorder(file);
+  TapedPeakList list(recorder, ObjectNumber{7}, std::make_shared<masstime::StoredPeakList>());
+  PeakRecord record;
+  record.height = 2.5;
+  list.Initialize();
+  list.Add(record);
+  record.height = 3.5;
+  list.SetRecord(0, record);
+  EXPECT_EQ(list.GetRecord(0).height, 3.5);
+  list.PreparePeakList(5, 0);
+  EXPECT_EQ(list.Count(), 1);
+  file.Close(recorder.calls());
+  std::vector<std::string> names;
+  for (const Entry& entry : ReadRecording(folder / "recording").entries)
+    names.push_back(entry.name);
+  EXPECT_THAT(names, ::testing::ElementsAre("PeakList.Initialize", "PeakList.Add",
+                                            "PeakList.SetRecord", "PeakList.GetRecord",
+                                            "PeakList.PreparePeakList", "PeakList.Count"));
 }
 
 }  // namespace

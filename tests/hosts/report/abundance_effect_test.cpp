@@ -52,6 +52,20 @@ TEST(AbundanceEffect, FollowsABend) {
   EXPECT_NEAR(effect.slopes.back().ppm_per_decade, -20.0, 1.0);
 }
 
+// Eight points at least; one that stands at a bend belongs to both parts.
+TEST(AbundanceEffect, HasAboutAsManyPointsInEachPart) {
+  std::vector<AbundancePoint> points;
+  for (int i = 0; i < 40; ++i) {
+    const double decades = 3.0 * i / 39.0;
+    points.push_back({0, TimeWith(20'000.0, -decades), 1'000.0 * std::pow(10.0, decades)});
+  }
+  std::vector<std::size_t> in_parts;
+  for (const AbundanceSlope& slope : AbundanceEffectOf(points, 1, kT0).slopes) {
+    in_parts.push_back(slope.points);
+  }
+  EXPECT_THAT(in_parts, ::testing::ElementsAre(8, 9, 9, 9, 9));
+}
+
 TEST(AbundanceEffect, DoesNotCareWhatTheCoefficientsGetWrong) {
   auto points = Survey([](double decades) { return -5.0 * decades; });
   const double slope = AbundanceEffectOf(points, 2, kT0).slopes.front().ppm_per_decade;
