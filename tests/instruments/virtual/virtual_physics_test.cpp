@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <stdexcept>
 #include <vector>
 
@@ -238,6 +239,28 @@ TEST(VirtualPhysics, IsotopesKeepTheirRatio) {
   for (std::size_t i = 1; i < 4; ++i) {
     // The strongest loses 0.5 % to its own dead time, the weaker ones less.
     EXPECT_NEAR(ions_of(pattern[i]) / first / pattern[i].relative_abundance, 1.0, 0.01) << i;
+  }
+}
+
+// The dead time covers every bin that it reaches into, and no further one.
+TEST(VirtualPhysics, IsBlindForTheBinsOfItsDeadTime) {
+  struct Row {
+    double dead_time_ns;  // with bins of 0.25 ns
+    std::size_t dead_bins;
+  };
+  for (const Row& row : {Row{0.0, 0}, Row{0.1, 1}, Row{0.25, 1}, Row{0.3, 2}, Row{0.75, 3}}) {
+    Parameters parameters = QuietLonePeak(2.0);
+    parameters.detector.dead_time_ns = row.dead_time_ns;
+    parameters.acquisition.pulses_per_spectrum = 1'000'000;
+    const double center_ns = FlightTimeNs(parameters, parameters.calibrants[0].mass_u, 0.0);
+    const TimeBins bins{14'000.0, 0.25, 12'000};
+    std::vector<double> arriving(bins.count);
+    AddGaussianPeak(bins, center_ns, PeakSigmaNs(parameters.analyzer, center_ns), 2.0, arriving);
+    const auto expected = ExpectedRecordedIons(arriving, row.dead_bins);
+    const auto spectrum = VirtualPhysics(parameters, 21).Acquire(0.0, kRfVolts, 1);
+    const double recorded = MomentsAround(spectrum, center_ns, 5.0).ions / 1e6;
+    EXPECT_NEAR(recorded / std::accumulate(expected.begin(), expected.end(), 0.0), 1.0, 0.005)
+        << row.dead_time_ns;
   }
 }
 
