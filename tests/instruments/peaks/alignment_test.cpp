@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tof::peaks {
@@ -128,8 +129,8 @@ double CorrectionFor(const std::string& places, const std::vector<double>& times
 
 TEST(Alignment, KeepsTheCalibrationInForceUnlessAnotherMatchesClearlyMore) {
   // Seven against six, then eight against six.
-  EXPECT_NEAR(CorrectionFor("bsbebbes.b", kTenTimes), 0.0, 1e-6);
-  EXPECT_NEAR(CorrectionFor("bsbsbbss.b", kTenTimes), 0.005, 1e-6);
+  EXPECT_NEAR(CorrectionFor("bbb.sbbe.s", kTenTimes), 0.0, 1e-6);
+  EXPECT_NEAR(CorrectionFor("bbb.sbbess", kTenTimes), 0.005, 1e-6);
 }
 
 TEST(Alignment, IsDisplacedByThreeOfFiveButNotByLess) {
@@ -187,17 +188,22 @@ TEST(Alignment, BearsFiveStrongInterferencesInEachHalf) {
 }
 
 TEST(Alignment, PrefersTheStrongerOfTwoNearClustersAndTheNearerOfTwoAlike) {
-  const auto correction_with = [](double snr_of_the_near_ones) {
+  // Of two clusters a calibrant, one where it is expected and one beside it.
+  const auto correction_with = [](double snr_of_the_near_ones, double beside) {
     std::vector<Cluster> clusters;
     for (const double time_ns : kTenTimes) {
-      clusters.push_back(ClusterAt(time_ns, snr_of_the_near_ones));
-      clusters.push_back(ClusterAt(time_ns * (1.0 + 0.8e-4), 999.0));
+      clusters.push_back(ClusterAt(time_ns * (1.0 + std::min(beside, 0.0)),
+                                   beside < 0.0 ? 999.0 : snr_of_the_near_ones));
+      clusters.push_back(ClusterAt(time_ns * (1.0 + std::max(beside, 0.0)),
+                                   beside < 0.0 ? snr_of_the_near_ones : 999.0));
     }
     const auto expected = ExpectedAt(kTenTimes, 0.02);
     return AlignTimes(expected, clusters, kNarrow).Correct(40e3) / 40e3 - 1.0;
   };
-  EXPECT_NEAR(correction_with(999.0), 0.0, 1e-9);
-  EXPECT_NEAR(correction_with(9.0), 0.8e-4, 1e-9);
+  for (const double beside : {0.8e-4, -0.8e-4}) {
+    EXPECT_NEAR(correction_with(999.0, beside), 0.0, 1e-9);
+    EXPECT_NEAR(correction_with(9.0, beside), beside, 1e-9);
+  }
 }
 
 TEST(Alignment, TellsTheMedianDistance) {
